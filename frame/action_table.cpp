@@ -1,0 +1,96 @@
+#include "frame/action_table.h"
+
+#include "frame/buffer_services.h"
+#include "triangles/flat_triangles.h"
+
+namespace tarn {
+
+Mode select_mode(int buffer_depth, bool direct, bool alpha) {
+  if (buffer_depth < 1) {
+    if (!direct) return Mode::mapped;
+    return alpha ? Mode::rgb32_alpha : Mode::rgb32;
+  }
+  if (!direct) return Mode::z_mapped;
+  return alpha ? Mode::z_rgb32_alpha : Mode::z_rgb32;
+}
+
+namespace {
+
+// Rows in slot order. A slot whose function is not written yet stays null,
+// which keeps the host's routine there.
+constexpr Mode_Actions kRgb32AlphaActions{
+    .draw_dc_polytriangle = rgb32_alpha_dc_polytriangle,
+    .draw_dci_polytriangle = rgb32_alpha_dci_polytriangle,
+    .draw_dc_colorized_polytriangle = rgb32_alpha_dc_colorized_polytriangle,
+    .draw_dci_colorized_polytriangle = rgb32_alpha_dci_colorized_polytriangle,
+    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+    .clear_depth = no_clear_depth,
+};
+
+constexpr Mode_Actions kRgb32Actions{
+    .draw_dc_polytriangle = rgb32_dc_polytriangle,
+    .draw_dci_polytriangle = rgb32_dci_polytriangle,
+    .draw_dc_colorized_polytriangle = rgb32_dc_colorized_polytriangle,
+    .draw_dci_colorized_polytriangle = rgb32_dci_colorized_polytriangle,
+    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+    .clear_depth = no_clear_depth,
+};
+
+constexpr Mode_Actions kMappedActions{
+    .draw_dc_polytriangle = mapped_dc_polytriangle,
+    .draw_dci_polytriangle = mapped_dci_polytriangle,
+    .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
+    .clear_depth = no_clear_depth,
+};
+
+constexpr Mode_Actions kZMappedActions{
+    .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
+    .write_depth_rectangle = z_write_depth_rectangle,
+    .read_depth_rectangle = z_read_depth_rectangle,
+    .clear_depth = z_clear_depth,
+};
+
+constexpr Mode_Actions kZRgb32AlphaActions{
+    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+    .write_depth_rectangle = z_write_depth_rectangle,
+    .read_depth_rectangle = z_read_depth_rectangle,
+    .clear_depth = z_clear_depth,
+};
+
+constexpr Mode_Actions kZRgb32Actions{
+    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+    .write_depth_rectangle = z_write_depth_rectangle,
+    .read_depth_rectangle = z_read_depth_rectangle,
+    .clear_depth = z_clear_depth,
+};
+
+constexpr const Mode_Actions* kModeTable[] = {&kRgb32AlphaActions, &kRgb32Actions,       &kMappedActions,
+                                              &kZMappedActions,    &kZRgb32AlphaActions, &kZRgb32Actions};
+static_assert(std::size(kModeTable) == kModeCount, "one row a mode");
+
+}  // namespace
+
+const Mode_Actions& mode_actions(Mode mode) { return *kModeTable[static_cast<int>(mode)]; }
+
+void install_actions(Software_Z_Buffer& r, bool tiling) {
+  const OT_Renderer_Options& options = *r.current_renderer_options();
+  const bool direct = options.color_system() == OT_Color_System_Direct;
+  const Mode mode = select_mode(options.buffer_depth(), direct, options.alpha_blending());
+
+  const Mode_Actions& row = mode_actions(mode);
+#define TARN_INSTALL_FROM_ROW(name, ...) \
+  if (row.name) r.name.install(&r, row.name);
+  OT_ACTION_SLOTS(TARN_INSTALL_FROM_ROW)
+#undef TARN_INSTALL_FROM_ROW
+
+  if (direct) {
+    r.clear_color.install(&r, rgb32_clear_color);
+    r.read_color_rectangle.install(&r, rgb32_read_color_rectangle);
+  } else {
+    r.clear_color.install(&r, mapped_clear_color);
+    r.read_color_rectangle.install(&r, mapped_read_color_rectangle);
+  }
+  (void)tiling;  // the tiled actions are not written yet
+}
+
+}  // namespace tarn
