@@ -1,6 +1,7 @@
 #include "frame/action_table.h"
 
 #include "frame/buffer_services.h"
+#include "triangles/depth_triangles.h"
 #include "triangles/flat_triangles.h"
 
 namespace tarn {
@@ -44,6 +45,8 @@ constexpr Mode_Actions kMappedActions{
 };
 
 constexpr Mode_Actions kZMappedActions{
+    .draw_dc_polytriangle = z_mapped_dc_polytriangle,
+    .draw_dci_polytriangle = z_mapped_dci_polytriangle,
     .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
     .read_depth_rectangle = z_read_depth_rectangle,
@@ -51,6 +54,10 @@ constexpr Mode_Actions kZMappedActions{
 };
 
 constexpr Mode_Actions kZRgb32AlphaActions{
+    .draw_dc_polytriangle = z_rgb32_alpha_dc_polytriangle,
+    .draw_dci_polytriangle = z_rgb32_alpha_dci_polytriangle,
+    .draw_dc_colorized_polytriangle = z_rgb32_alpha_dc_colorized_polytriangle,
+    .draw_dci_colorized_polytriangle = z_rgb32_alpha_dci_colorized_polytriangle,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
     .read_depth_rectangle = z_read_depth_rectangle,
@@ -58,6 +65,10 @@ constexpr Mode_Actions kZRgb32AlphaActions{
 };
 
 constexpr Mode_Actions kZRgb32Actions{
+    .draw_dc_polytriangle = z_rgb32_dc_polytriangle,
+    .draw_dci_polytriangle = z_rgb32_dci_polytriangle,
+    .draw_dc_colorized_polytriangle = z_rgb32_dc_colorized_polytriangle,
+    .draw_dci_colorized_polytriangle = z_rgb32_dci_colorized_polytriangle,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
     .read_depth_rectangle = z_read_depth_rectangle,

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "host/ot_base.h"
+#include "pixel/blend.h"
 
 namespace tarn {
 
@@ -13,6 +14,7 @@ namespace tarn {
 struct Index_Store {
   using Pixel = byte;
   byte value;
+  void pixel(Pixel* p) const { *p = value; }
   void span(Pixel* p, std::int32_t n) const { std::memset(p, value, static_cast<std::size_t>(n)); }
 };
 
@@ -20,12 +22,24 @@ struct Index_Store {
 struct Word_Store {
   using Pixel = std::uint32_t;
   std::uint32_t value;
+  void pixel(Pixel* p) const { *p = value; }
   void span(Pixel* p, std::int32_t n) const { std::fill_n(p, n, value); }
+};
+
+// The exact blend of a translucent colour, pixel alpha byte 255.
+struct Blend_Exact_Store {
+  using Pixel = std::uint32_t;
+  OT_RGB32 color;
+  void pixel(Pixel* p) const { *p = blend_exact(*p, color); }
+  void span(Pixel* p, std::int32_t n) const {
+    for (std::int32_t i = 0; i < n; ++i) pixel(p + i);
+  }
 };
 
 template <class T>
 concept Span_Store = requires(const T store, typename T::Pixel* p, std::int32_t n) {
   { store.span(p, n) };
+  { store.pixel(p) };
 };
 
 }  // namespace tarn
