@@ -1,6 +1,8 @@
 #include "frame/action_table.h"
 
 #include "frame/buffer_services.h"
+#include "triangles/clipped_triangles.h"
+#include "triangles/colorized_triangles.h"
 #include "triangles/depth_triangles.h"
 #include "triangles/flat_triangles.h"
 
@@ -20,33 +22,53 @@ namespace {
 // Rows in slot order. A slot whose function is not written yet stays null,
 // which keeps the host's routine there.
 constexpr Mode_Actions kRgb32AlphaActions{
+    .draw_2d_polytriangle = rgb32_alpha_2d_polytriangle,
     .draw_dc_polytriangle = rgb32_alpha_dc_polytriangle,
+    .draw_2di_polytriangle = rgb32_alpha_2di_polytriangle,
     .draw_dci_polytriangle = rgb32_alpha_dci_polytriangle,
+    .draw_2d_colorized_polytriangle = rgb32_alpha_2d_colorized_polytriangle,
     .draw_dc_colorized_polytriangle = rgb32_alpha_dc_colorized_polytriangle,
+    .draw_2di_colorized_polytriangle = rgb32_alpha_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = rgb32_alpha_dci_colorized_polytriangle,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .clear_depth = no_clear_depth,
 };
 
 constexpr Mode_Actions kRgb32Actions{
+    .draw_2d_polytriangle = rgb32_2d_polytriangle,
     .draw_dc_polytriangle = rgb32_dc_polytriangle,
+    .draw_2di_polytriangle = rgb32_2di_polytriangle,
     .draw_dci_polytriangle = rgb32_dci_polytriangle,
+    .draw_2d_colorized_polytriangle = rgb32_2d_colorized_polytriangle,
     .draw_dc_colorized_polytriangle = rgb32_dc_colorized_polytriangle,
+    .draw_2di_colorized_polytriangle = rgb32_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = rgb32_dci_colorized_polytriangle,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .clear_depth = no_clear_depth,
 };
 
 constexpr Mode_Actions kMappedActions{
+    .draw_2d_polytriangle = mapped_2d_polytriangle,
     .draw_dc_polytriangle = mapped_dc_polytriangle,
+    .draw_2di_polytriangle = mapped_2di_polytriangle,
     .draw_dci_polytriangle = mapped_dci_polytriangle,
+    .draw_2d_colorized_polytriangle = mapped_2d_colorized_polytriangle,
+    .draw_dc_colorized_polytriangle = mapped_dc_colorized_polytriangle,
+    .draw_2di_colorized_polytriangle = mapped_2di_colorized_polytriangle,
+    .draw_dci_colorized_polytriangle = mapped_dci_colorized_polytriangle,
     .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
     .clear_depth = no_clear_depth,
 };
 
 constexpr Mode_Actions kZMappedActions{
+    .draw_2d_polytriangle = z_mapped_2d_polytriangle,
     .draw_dc_polytriangle = z_mapped_dc_polytriangle,
+    .draw_2di_polytriangle = z_mapped_2di_polytriangle,
     .draw_dci_polytriangle = z_mapped_dci_polytriangle,
+    .draw_2d_colorized_polytriangle = z_mapped_2d_colorized_polytriangle,
+    .draw_dc_colorized_polytriangle = z_mapped_dc_colorized_polytriangle,
+    .draw_2di_colorized_polytriangle = z_mapped_2di_colorized_polytriangle,
+    .draw_dci_colorized_polytriangle = z_mapped_dci_colorized_polytriangle,
     .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
     .read_depth_rectangle = z_read_depth_rectangle,
@@ -54,9 +76,13 @@ constexpr Mode_Actions kZMappedActions{
 };
 
 constexpr Mode_Actions kZRgb32AlphaActions{
+    .draw_2d_polytriangle = z_rgb32_alpha_2d_polytriangle,
     .draw_dc_polytriangle = z_rgb32_alpha_dc_polytriangle,
+    .draw_2di_polytriangle = z_rgb32_alpha_2di_polytriangle,
     .draw_dci_polytriangle = z_rgb32_alpha_dci_polytriangle,
+    .draw_2d_colorized_polytriangle = z_rgb32_alpha_2d_colorized_polytriangle,
     .draw_dc_colorized_polytriangle = z_rgb32_alpha_dc_colorized_polytriangle,
+    .draw_2di_colorized_polytriangle = z_rgb32_alpha_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_rgb32_alpha_dci_colorized_polytriangle,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
@@ -65,9 +91,13 @@ constexpr Mode_Actions kZRgb32AlphaActions{
 };
 
 constexpr Mode_Actions kZRgb32Actions{
+    .draw_2d_polytriangle = z_rgb32_2d_polytriangle,
     .draw_dc_polytriangle = z_rgb32_dc_polytriangle,
+    .draw_2di_polytriangle = z_rgb32_2di_polytriangle,
     .draw_dci_polytriangle = z_rgb32_dci_polytriangle,
+    .draw_2d_colorized_polytriangle = z_rgb32_2d_colorized_polytriangle,
     .draw_dc_colorized_polytriangle = z_rgb32_dc_colorized_polytriangle,
+    .draw_2di_colorized_polytriangle = z_rgb32_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_rgb32_dci_colorized_polytriangle,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .write_depth_rectangle = z_write_depth_rectangle,

@@ -1,4 +1,6 @@
-// Plain span stores: a run of one value into one row of the colour image.
+// Pixel writers of the fillers, as small policies: each writes one pixel or a
+// run of one row. `row` is the window-relative row number, which only the
+// dither needs. The choice between them is made outside the pixel loops.
 #pragma once
 
 #include <algorithm>
@@ -7,39 +9,101 @@
 
 #include "host/ot_base.h"
 #include "pixel/blend.h"
+#include "pixel/dither.h"
+#include "pixel/merge.h"
 
 namespace tarn {
 
-// 8-bit palette index.
-struct Index_Store {
-  using Pixel = byte;
-  byte value;
-  void pixel(Pixel* p) const { *p = value; }
-  void span(Pixel* p, std::int32_t n) const { std::memset(p, value, static_cast<std::size_t>(n)); }
+template <class T>
+concept Span_Store = requires(const T store, typename T::Pixel* p, std::int32_t n, std::int32_t row) {
+  { store.pixel(p, row) };
+  { store.span(p, n, row) };
 };
 
-// 32-bit RGB32 word, alpha byte as it came.
-struct Word_Store {
-  using Pixel = std::uint32_t;
-  std::uint32_t value;
-  void pixel(Pixel* p) const { *p = value; }
-  void span(Pixel* p, std::int32_t n) const { std::fill_n(p, n, value); }
-};
-
-// The exact blend of a translucent colour, pixel alpha byte 255.
-struct Blend_Exact_Store {
-  using Pixel = std::uint32_t;
-  OT_RGB32 color;
-  void pixel(Pixel* p) const { *p = blend_exact(*p, color); }
-  void span(Pixel* p, std::int32_t n) const {
-    for (std::int32_t i = 0; i < n; ++i) pixel(p + i);
+// Runs one pixel after another, for the writers that have no block form.
+template <class Derived, class P>
+struct Pixelwise {
+  using Pixel = P;
+  void span(Pixel* p, std::int32_t n, std::int32_t row) const {
+    for (std::int32_t i = 0; i < n; ++i) static_cast<const Derived*>(this)->pixel(p + i, row);
   }
 };
 
-template <class T>
-concept Span_Store = requires(const T store, typename T::Pixel* p, std::int32_t n) {
-  { store.span(p, n) };
-  { store.pixel(p) };
+// 8-bit palette index, plain store.
+struct Index_Store {
+  using Pixel = byte;
+  byte value;
+  void pixel(Pixel* p, std::int32_t) const { *p = value; }
+  void span(Pixel* p, std::int32_t n, std::int32_t) const { std::memset(p, value, static_cast<std::size_t>(n)); }
+};
+
+// 32-bit RGB32 word, plain store, its alpha byte as it came.
+struct Word_Store {
+  using Pixel = std::uint32_t;
+  std::uint32_t value;
+  void pixel(Pixel* p, std::int32_t) const { *p = value; }
+  void span(Pixel* p, std::int32_t n, std::int32_t) const { std::fill_n(p, n, value); }
+};
+
+// The exact blend of a translucent colour; the pixel's alpha byte becomes 255.
+struct Blend_Exact_Store : Pixelwise<Blend_Exact_Store, std::uint32_t> {
+  OT_RGB32 color;
+  explicit Blend_Exact_Store(OT_RGB32 c) : color(c) {}
+  void pixel(Pixel* p, std::int32_t) const { *p = blend_exact(*p, color); }
+};
+
+// The weight blend, for pixels touched one at a time.
+struct Blend_Weight_Store : Pixelwise<Blend_Weight_Store, std::uint32_t> {
+  OT_RGB32 color;
+  explicit Blend_Weight_Store(OT_RGB32 c) : color(c) {}
+  void pixel(Pixel* p, std::int32_t) const { *p = blend_weight(*p, color); }
+};
+
+struct Merge_Word_Store : Pixelwise<Merge_Word_Store, std::uint32_t> {
+  Merge_Rgb32 rule;
+  std::uint32_t value;
+  Merge_Word_Store(const Merge_Rgb32& r, std::uint32_t v) : rule(r), value(v) {}
+  void pixel(Pixel* p, std::int32_t) const { rule.apply(p, value); }
+};
+
+struct Merge_Index_Store : Pixelwise<Merge_Index_Store, byte> {
+  Merge_Mapped rule;
+  byte value;
+  Merge_Index_Store(const Merge_Mapped& r, byte v) : rule(r), value(v) {}
+  void pixel(Pixel* p, std::int32_t) const { rule.apply(p, value); }
+};
+
+// Dithered index, comparison form.
+struct Dither_Compare_Store : Pixelwise<Dither_Compare_Store, byte> {
+  Dither_Thresholds thresholds;
+  explicit Dither_Compare_Store(const Dither_Thresholds& t) : thresholds(t) {}
+  void pixel(Pixel* p, std::int32_t row) const { *p = dither_pick(thresholds, dither_threshold(row, p)); }
+};
+
+// Dithered index, addition form.
+struct Dither_Add_Store : Pixelwise<Dither_Add_Store, byte> {
+  const OT_Color_Cube* cube;
+  Dither_Levels levels;
+  Dither_Add_Store(const OT_Color_Cube& c, const Dither_Levels& v) : cube(&c), levels(v) {}
+  void pixel(Pixel* p, std::int32_t row) const { *p = dither_add(*cube, levels, dither_threshold(row, p)); }
+};
+
+// Dithered index through the merge rule, addition form (crossing spans).
+struct Merge_Dither_Add_Store : Pixelwise<Merge_Dither_Add_Store, byte> {
+  Merge_Mapped rule;
+  const OT_Color_Cube* cube;
+  Dither_Levels levels;
+  Merge_Dither_Add_Store(const Merge_Mapped& r, const OT_Color_Cube& c, const Dither_Levels& v)
+      : rule(r), cube(&c), levels(v) {}
+  void pixel(Pixel* p, std::int32_t row) const { rule.apply(p, dither_add(*cube, levels, dither_threshold(row, p))); }
+};
+
+// The writer of a set pattern bit when contrast is off: nothing.
+template <class P>
+struct No_Store {
+  using Pixel = P;
+  void pixel(Pixel*, std::int32_t) const {}
+  void span(Pixel*, std::int32_t, std::int32_t) const {}
 };
 
 }  // namespace tarn

@@ -53,8 +53,10 @@ class Renderer_Harness {
   static constexpr byte kIndex = 9;
   static constexpr OT_RGB32 kWindowColor{0, 0, 0, 255};
 
-  Renderer_Harness(const Mode_Case& mode, int width = 64, int height = 48, OT_Int_XY origin = {0, 0})
+  Renderer_Harness(const Mode_Case& mode, int width = 64, int height = 48, OT_Int_XY origin = {0, 0},
+                   OT_Image_Factory factory = {})
       : mode_(mode), renderer_(make_renderer()) {
+    if (factory.function) renderer_->image_factory = factory;
     OT_Renderer_Options& o = renderer_->requested_renderer_options;
     o.set_window_size({width, height});
     o.set_window_origin(origin);
@@ -132,6 +134,13 @@ class Renderer_Harness {
   void draw_dc(std::vector<OT_Point> points) {
     renderer_->draw_dc_polytriangle(rendition_, static_cast<int>(points.size()), points.data());
   }
+  void draw_2di(std::vector<OT_DCI_Point> points) {
+    renderer_->draw_2di_polytriangle(rendition_, static_cast<int>(points.size()), points.data());
+  }
+  void draw_2d(std::vector<OT_Point> points) {
+    renderer_->draw_2d_polytriangle(rendition_, static_cast<int>(points.size()), points.data());
+  }
+  void set_hard_clip(const OT_Int_Rectangle& clip) { rendition_.writable_device()->hard_clip = clip; }
 
  private:
   Mode_Case mode_;

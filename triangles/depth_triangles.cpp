@@ -1,16 +1,15 @@
 #include "triangles/depth_triangles.h"
 
 #include "frame/software_z_buffer.h"
+#include "pixel/mask.h"
 #include "pixel/rounding.h"
+#include "triangles/colorized_triangles.h"
 #include "triangles/depth_fill.h"
 #include "triangles/flat_triangles.h"
 
 namespace tarn {
 namespace {
 
-constexpr std::int32_t kLastRendererPattern = 74;
-
-bool host_pattern(const OT_Rendition& rendition) { return rendition->face->pattern > kLastRendererPattern; }
 bool depth_off(const OT_Rendition& rendition) { return rendition->device->depth_enabled == 0; }
 bool alpha_path(const OT_Rendition& rendition) {
   return (rendition->raster->advanced_options & OT_Advanced_Alpha_Path) != 0;
@@ -26,38 +25,21 @@ void run_rounded(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, in
   integer_form(object, rendition, count, buffer.data(), rest...);
 }
 
-// Walks a strip with one store a triangle: make_store(i) gives triangle i's.
-template <class Test, bool kWriteDepth, class Make_Store>
-void fill_depth_strip(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count,
-                      const OT_DCI_Point* points, Make_Store make_store) {
-  using Store = decltype(make_store(0));
-  Depth_Span_Filler<Store, Test, kWriteDepth> filler{r.color_image->device_rows, r.depth_image->device_rows,
-                                                     make_store(0), rendition->face->depth_bias};
-  for (int i = 0; i + 2 < count; ++i) {
-    filler.store = make_store(i);
-    walk_triangle(filler, {&points[i]}, {&points[i + 1]}, {&points[i + 2]}, r.origin_x, r.origin_y);
-  }
-}
-
-// "ZBuffer Write" is read afresh for each primitive.
-template <class Test, class Make_Store>
-void fill_depth_strip_writing(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count,
-                              const OT_DCI_Point* points, Make_Store make_store) {
-  if (r.depth_write)
-    fill_depth_strip<Test, true>(r, rendition, count, points, make_store);
-  else
-    fill_depth_strip<Test, false>(r, rendition, count, points, make_store);
-}
-
 }  // namespace
 
 void z_mapped_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                const OT_DCI_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DCI_Polytriangle(object, rendition, count, points);
   if (depth_off(rendition)) return mapped_dci_polytriangle(object, rendition, count, points);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  const Stipple_Flags flags = stipple_flags(rendition);
+  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
+  if (fill == Face_Fill::nothing) return;
   const Index_Store store{static_cast<byte>(rendition->colors->color_index)};
-  fill_depth_strip<Depth_At_Or_Below, true>(renderer_of(object), rendition, count, points,
-                                            [store](int) { return store; });
+  fill_depth_strip<Depth_At_Or_Below, true>(r, rendition, count, points, fill, flags,
+                                            [store](int) { return store; },
+                                            Index_Store{rendition->colors->contrast_index});
 }
 
 void z_mapped_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -76,12 +58,18 @@ void z_rgb32_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendi
   if (depth_off(rendition))
     return rgb32_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  auto make_store = [colors, single_color](int i) { return Word_Store{colors[single_color ? 0 : i].word()}; };
+  if (mask_in_force(r, rendition)) return;
+  const Stipple_Flags flags = stipple_flags(rendition);
+  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
+  if (fill == Face_Fill::nothing) return;
+  auto store_of = [colors, single_color](int i) { return Word_Store{colors[single_color ? 0 : i].word()}; };
+  const Word_Store contrast{rendition->colors->contrast_color.word()};
   with_depth_test(r.depth_test, [&]<class Test>() {
-    fill_depth_strip_writing<Test>(r, rendition, count, points, make_store);
+    fill_depth_strip_writing<Test>(r, rendition, count, points, fill, flags, store_of, contrast);
   });
 }
 
+// Always blends, opaque colours too; the mask has no effect here.
 void z_rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                               const OT_DCI_Point* points, const OT_RGB32* colors,
                                               bool single_color) {
@@ -89,12 +77,19 @@ void z_rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT
     return OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (depth_off(rendition))
     return rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
-  auto make_store = [colors, single_color](int i) { return Blend_Exact_Store{colors[single_color ? 0 : i]}; };
-  fill_depth_strip_writing<Depth_At_Or_Below>(renderer_of(object), rendition, count, points, make_store);
+  const Software_Z_Buffer& r = renderer_of(object);
+  const Stipple_Flags flags = stipple_flags(rendition);
+  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
+  if (fill == Face_Fill::nothing) return;
+  auto store_of = [colors, single_color](int i) { return Blend_Exact_Store(colors[single_color ? 0 : i]); };
+  const Word_Store contrast{rendition->colors->contrast_color.word()};
+  fill_depth_strip_writing<Depth_At_Or_Below>(r, rendition, count, points, fill, flags, store_of, contrast);
 }
 
 void z_rgb32_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                        const OT_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (alpha_path(rendition))
+    return z_rgb32_alpha_dc_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (host_pattern(rendition))
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (depth_off(rendition))

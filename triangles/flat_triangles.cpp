@@ -1,16 +1,16 @@
 #include "triangles/flat_triangles.h"
 
 #include "frame/software_z_buffer.h"
+#include "pixel/mask.h"
 #include "pixel/rounding.h"
-#include "triangles/solid_fill.h"
+#include "triangles/span_fillers.h"
 
 namespace tarn {
 namespace {
 
-// Face patterns above this are the host's to draw.
-constexpr std::int32_t kLastRendererPattern = 74;
-
-bool host_pattern(const OT_Rendition& rendition) { return rendition->face->pattern > kLastRendererPattern; }
+bool alpha_path(const OT_Rendition& rendition) {
+  return (rendition->raster->advanced_options & OT_Advanced_Alpha_Path) != 0;
+}
 
 // The float forms: x and y rounded into the call's frame (or the heap beyond
 // 64 points), then the integer form. z is never read without depth.
@@ -23,24 +23,71 @@ void run_rounded_xy(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&,
   integer_form(object, rendition, count, buffer.data(), rest...);
 }
 
-// One RGB32 filler: each triangle in its colour.
-void fill_rgb32_strip(Software_Z_Buffer& r, int count, const OT_DCI_Point* points, const OT_RGB32* colors,
-                      bool single_color) {
-  Solid_Span_Filler<Word_Store> filler{r.color_image->device_rows, {colors[0].word()}};
-  for (int i = 0; i + 2 < count; ++i) {
-    if (!single_color) filler.store.value = colors[i].word();
-    walk_triangle(filler, {&points[i]}, {&points[i + 1]}, {&points[i + 2]}, r.origin_x, r.origin_y);
+// Solid RGB32 spans of the alpha filler: plain store (or merge) where the
+// colour is opaque, the exact blend elsewhere; rows outside the image are
+// walked without writing.
+void alpha_solid_triangle(const Software_Z_Buffer& r, const OT_DCI_Point* p, OT_RGB32 color, bool merge) {
+  auto walk = [&](auto filler) { walk_triangle(filler, {&p[0]}, {&p[1]}, {&p[2]}, r.origin_x, r.origin_y); };
+  byte* const* rows = r.color_image->device_rows;
+  if (color.a == 255) {
+    if (merge)
+      walk(Solid_Span_Filler<Merge_Word_Store, true>{rows, Merge_Word_Store(Merge_Rgb32(r), color.word()), r.height});
+    else
+      walk(Solid_Span_Filler<Word_Store, true>{rows, Word_Store{color.word()}, r.height});
+  } else {
+    walk(Solid_Span_Filler<Blend_Exact_Store, true>{rows, Blend_Exact_Store(color), r.height});
+  }
+}
+
+void alpha_pattern_triangle(const Software_Z_Buffer& r, const OT_DCI_Point* p, OT_RGB32 color, bool merge,
+                            const OT_Rendition& rendition, Stipple_Flags flags, const Pattern_Source& source) {
+  auto walk = [&](auto& filler) { walk_triangle(filler, {&p[0]}, {&p[1]}, {&p[2]}, r.origin_x, r.origin_y); };
+  byte* const* rows = r.color_image->device_rows;
+  const std::uint32_t contrast = rendition->colors->contrast_color.word();
+  if (color.a != 255) {
+    // Translucent: the main colour blends, the contrast colour replaces.
+    with_pattern_filler(rows, Blend_Exact_Store(color), flags.contrast, Word_Store{contrast}, source, walk);
+  } else if (merge) {
+    const Merge_Rgb32 rule(r);
+    with_pattern_filler(rows, Merge_Word_Store(rule, color.word()), flags.contrast, Merge_Word_Store(rule, contrast),
+                        source, walk);
+  } else {
+    with_pattern_filler(rows, Word_Store{color.word()}, flags.contrast, Word_Store{contrast}, source, walk);
   }
 }
 
 }  // namespace
 
+// ---- Mapped ------------------------------------------------------------------
+
 void mapped_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                              const OT_DCI_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DCI_Polytriangle(object, rendition, count, points);
-  Software_Z_Buffer& r = renderer_of(object);
-  Solid_Span_Filler<Index_Store> filler{r.color_image->device_rows, {static_cast<byte>(rendition->colors->color_index)}};
-  walk_strip(filler, count, points, r.origin_x, r.origin_y);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  const byte index = static_cast<byte>(rendition->colors->color_index);
+  const Stipple_Flags flags = stipple_flags(rendition);
+  byte* const* rows = r.color_image->device_rows;
+  switch (face_fill(rendition->face->pattern, flags)) {
+    case Face_Fill::solid:
+      if (merge_on(r, rendition)) {
+        Solid_Span_Filler<Merge_Index_Store> filler{rows, Merge_Index_Store(Merge_Mapped(r), index)};
+        walk_strip(filler, count, points, r.origin_x, r.origin_y);
+      } else {
+        Solid_Span_Filler<Index_Store> filler{rows, Index_Store{index}};
+        walk_strip(filler, count, points, r.origin_x, r.origin_y);
+      }
+      return;
+    case Face_Fill::nothing:
+      return;
+    case Face_Fill::pattern: {
+      // Merge is ignored on this path.
+      const Pattern_Source source = Pattern_Source::of(rendition, flags);
+      with_pattern_filler(rows, Index_Store{index}, flags.contrast, Index_Store{rendition->colors->contrast_index},
+                          source, [&](auto& filler) { walk_strip(filler, count, points, r.origin_x, r.origin_y); });
+      return;
+    }
+  }
 }
 
 void mapped_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -49,11 +96,27 @@ void mapped_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendit
   run_rounded_xy(mapped_dci_polytriangle, object, rendition, count, points);
 }
 
+// ---- RGB32 -------------------------------------------------------------------
+
+// The opaque filler never merges and never blends: what needs either goes to
+// the alpha filler with the same arguments.
 void rgb32_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                       const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (alpha_path(rendition))
+    return rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (host_pattern(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  fill_rgb32_strip(renderer_of(object), count, points, colors, single_color);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (merge_on(r, rendition))
+    return rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
+  if (mask_in_force(r, rendition)) return;
+  const Stipple_Flags flags = stipple_flags(rendition);
+  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
+  if (fill == Face_Fill::nothing) return;
+  fill_strip(
+      r, rendition, count, points, fill, flags,
+      [colors, single_color](int i) { return Word_Store{colors[single_color ? 0 : i].word()}; },
+      Word_Store{rendition->colors->contrast_color.word()});
 }
 
 void rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -61,11 +124,31 @@ void rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_R
                                             bool single_color) {
   if (host_pattern(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  fill_rgb32_strip(renderer_of(object), count, points, colors, single_color);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  OT_RGB32 first = colors[0];
+  if (first.a == 0 && single_color) return;
+  const bool merge = merge_on(r, rendition);
+  // Under merge only the colour in hand is taken as opaque; later colours of
+  // a list keep their alpha.
+  if (merge) first.a = 255;
+  const Stipple_Flags flags = stipple_flags(rendition);
+  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
+  if (fill == Face_Fill::nothing) return;
+  const Pattern_Source source = fill == Face_Fill::pattern ? Pattern_Source::of(rendition, flags) : Pattern_Source{};
+  for (int i = 0; i + 2 < count; ++i) {
+    const OT_RGB32 color = (i == 0 || single_color) ? first : colors[i];
+    if (fill == Face_Fill::solid)
+      alpha_solid_triangle(r, points + i, color, merge);
+    else
+      alpha_pattern_triangle(r, points + i, color, merge, rendition, flags, source);
+  }
 }
 
 void rgb32_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                      const OT_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (alpha_path(rendition))
+    return rgb32_alpha_dc_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (host_pattern(rendition))
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   run_rounded_xy(rgb32_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
@@ -78,10 +161,17 @@ void rgb32_alpha_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Re
   run_rounded_xy(rgb32_alpha_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
-// In the RGB32 modes a flat strip is the filler with one colour.
+// A flat strip in the RGB32 modes is a filler with one colour.
 void rgb32_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                             const OT_DCI_Point* points) {
-  rgb32_dci_colorized_polytriangle(object, rendition, count, points, &rendition->colors->color, true);
+  OT_RGB32 color = rendition->colors->color;
+  if (alpha_path(rendition))
+    return rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, &color, true);
+  if (merge_on(renderer_of(object), rendition)) {
+    color.a = 255;
+    return rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, &color, true);
+  }
+  rgb32_dci_colorized_polytriangle(object, rendition, count, points, &color, true);
 }
 
 void rgb32_alpha_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -92,13 +182,15 @@ void rgb32_alpha_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& 
 void rgb32_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                            const OT_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DC_Polytriangle(object, rendition, count, points);
-  run_rounded_xy(rgb32_dci_polytriangle, object, rendition, count, points);
+  const OT_RGB32* color = &rendition->colors->color;
+  if (alpha_path(rendition)) return rgb32_alpha_dc_colorized_polytriangle(object, rendition, count, points, color, true);
+  rgb32_dc_colorized_polytriangle(object, rendition, count, points, color, true);
 }
 
 void rgb32_alpha_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                  const OT_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DC_Polytriangle(object, rendition, count, points);
-  run_rounded_xy(rgb32_alpha_dci_polytriangle, object, rendition, count, points);
+  rgb32_alpha_dc_colorized_polytriangle(object, rendition, count, points, &rendition->colors->color, true);
 }
 
 }  // namespace tarn

@@ -59,6 +59,7 @@ inline std::int32_t wrap_sub(std::int32_t a, std::int32_t b) {
 
 struct No_Attributes {
   No_Attributes& operator+=(const No_Attributes&) { return *this; }
+  void add_scaled(const No_Attributes&, std::int32_t) {}
 };
 
 // A vertex with nothing but its point.

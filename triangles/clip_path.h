@@ -1,0 +1,82 @@
+// The clip path of the 2D and 2DI triangle actions: points are classified
+// against the hard clip; runs wholly inside go to the all-inside filler as
+// strips, triangles wholly out on one side are skipped, and the rest are
+// walked one by one in the clipping form of the walk.
+#pragma once
+
+#include <memory>
+
+#include "pixel/limits.h"
+#include "triangles/clip_walk.h"
+#include "triangles/triangle_clipper.h"
+
+namespace tarn {
+
+// Outcodes of a 2DI action: in the call's frame while count + 2 (unsigned)
+// is 66 or less, else on the heap; released on every path.
+class Outcode_Buffer {
+ public:
+  static constexpr std::uint32_t kLocalCodes = 66;
+
+  explicit Outcode_Buffer(int count) {
+    if (static_cast<std::uint32_t>(count) + 2u > kLocalCodes) {
+      heap_.reset(new short[static_cast<std::size_t>(count) + 2]);
+      data_ = heap_.get();
+    }
+  }
+  Outcode_Buffer(const Outcode_Buffer&) = delete;
+  Outcode_Buffer& operator=(const Outcode_Buffer&) = delete;
+  short* data() { return data_; }
+
+ private:
+  short local_[kLocalCodes];
+  std::unique_ptr<short[]> heap_;
+  short* data_ = local_;
+};
+
+// The run loop over a strip whose outcodes are known. inside(first, n) gets a
+// run of n >= 3 points all inside; cross(p) gets the triangle starting at
+// point p. The triangle index p is also the colour index of a list.
+template <class Inside, class Cross>
+inline void run_clip_loop(int count, const short* codes, Inside&& inside, Cross&& cross) {
+  int p = 0;
+  while (p + 2 < count) {
+    while (codes[p] & codes[p + 1] & codes[p + 2])
+      if (++p + 2 >= count) return;
+    // A crossing triangle is walked even if it lies wholly beyond one side:
+    // rows and columns clip it away.
+    while (codes[p] | codes[p + 1] | codes[p + 2]) {
+      cross(p);
+      if (++p + 2 >= count) return;
+    }
+    const int first = p;
+    int third = p + 2;
+    do ++third;
+    while (third < count && codes[third] == 0);
+    inside(first, third - first);
+    // The next triangle looked at is the first holding the offending point.
+    p = third - 2;
+  }
+}
+
+// One crossing triangle: beyond the walk limits it is first cut to them by
+// the exact clipper; then each piece is walked against the hard clip.
+template <class Filler>
+inline void cross_triangle(Filler& filler, const OT_Rendition& rendition, const OT_DCI_Point* triangle,
+                           std::int32_t origin_x, std::int32_t origin_y) {
+  const OT_Int_Rectangle& clip = rendition->device->hard_clip;
+  short codes[3];
+  OB_Clip(kWalkLimits, 3, triangle, codes);
+  if ((codes[0] | codes[1] | codes[2]) == 0) {
+    walk_clipped_triangle(filler, {&triangle[0]}, {&triangle[1]}, {&triangle[2]}, clip, origin_x, origin_y);
+    return;
+  }
+  OT_DCI_Point pieces[kMaxClipVertices];
+  int n = 0;
+  clip_triangle_to_rectangle(rendition, triangle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 0.0f, 0.0f,
+                             0.0f, kWalkLimits, n, pieces, nullptr, nullptr, nullptr);
+  for (int i = 0; i + 2 < n; ++i)
+    walk_clipped_triangle(filler, {&pieces[i]}, {&pieces[i + 1]}, {&pieces[i + 2]}, clip, origin_x, origin_y);
+}
+
+}  // namespace tarn
