@@ -1,6 +1,8 @@
 #include "frame/action_table.h"
 
 #include "frame/buffer_services.h"
+#include "lines/thin_polylines.h"
+#include "primitives/dots.h"
 #include "triangles/clipped_triangles.h"
 #include "triangles/colorized_triangles.h"
 #include "triangles/depth_triangles.h"
@@ -30,6 +32,10 @@ constexpr Mode_Actions kRgb32AlphaActions{
     .draw_dc_colorized_polytriangle = rgb32_alpha_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = rgb32_alpha_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = rgb32_alpha_dci_colorized_polytriangle,
+    .draw_dci_polyline = rgb32_alpha_dci_polyline,
+    .draw_dci_colorized_polyline = rgb32_alpha_dci_colorized_polyline,
+    .draw_2di_polymarker = rgb32_alpha_2di_polymarker,
+    .draw_dci_dot = rgb32_alpha_dci_dot,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .clear_depth = no_clear_depth,
 };
@@ -43,6 +49,10 @@ constexpr Mode_Actions kRgb32Actions{
     .draw_dc_colorized_polytriangle = rgb32_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = rgb32_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = rgb32_dci_colorized_polytriangle,
+    .draw_dci_polyline = rgb32_dci_polyline,
+    .draw_dci_colorized_polyline = rgb32_dci_colorized_polyline,
+    .draw_2di_polymarker = rgb32_2di_polymarker,
+    .draw_dci_dot = rgb32_dci_dot,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .clear_depth = no_clear_depth,
 };
@@ -56,6 +66,9 @@ constexpr Mode_Actions kMappedActions{
     .draw_dc_colorized_polytriangle = mapped_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = mapped_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = mapped_dci_colorized_polytriangle,
+    .draw_dci_polyline = mapped_dci_polyline,
+    .draw_2di_polymarker = mapped_2di_polymarker,
+    .draw_dci_dot = mapped_dci_dot,
     .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
     .clear_depth = no_clear_depth,
 };
@@ -69,6 +82,8 @@ constexpr Mode_Actions kZMappedActions{
     .draw_dc_colorized_polytriangle = z_mapped_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = z_mapped_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_mapped_dci_colorized_polytriangle,
+    .draw_dci_polyline = z_mapped_dci_polyline,
+    .draw_dci_dot = z_mapped_dci_dot,
     .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
     .read_depth_rectangle = z_read_depth_rectangle,
@@ -84,6 +99,10 @@ constexpr Mode_Actions kZRgb32AlphaActions{
     .draw_dc_colorized_polytriangle = z_rgb32_alpha_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = z_rgb32_alpha_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_rgb32_alpha_dci_colorized_polytriangle,
+    .draw_dci_polyline = z_rgb32_alpha_dci_polyline,
+    .draw_dci_colorized_polyline = z_rgb32_alpha_dci_colorized_polyline,
+    .draw_2di_polymarker = z_rgb32_alpha_2di_polymarker,
+    .draw_dci_dot = z_rgb32_alpha_dci_dot,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
     .read_depth_rectangle = z_read_depth_rectangle,
@@ -99,6 +118,10 @@ constexpr Mode_Actions kZRgb32Actions{
     .draw_dc_colorized_polytriangle = z_rgb32_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = z_rgb32_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_rgb32_dci_colorized_polytriangle,
+    .draw_dci_polyline = z_rgb32_dci_polyline,
+    .draw_dci_colorized_polyline = z_rgb32_dci_colorized_polyline,
+    .draw_2di_polymarker = z_rgb32_2di_polymarker,
+    .draw_dci_dot = z_rgb32_dci_dot,
     .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
     .write_depth_rectangle = z_write_depth_rectangle,
     .read_depth_rectangle = z_read_depth_rectangle,

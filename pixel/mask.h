@@ -1,12 +1,54 @@
-// Whether a complex clip mask applies to a primitive.
+// Whether a complex clip mask applies to a primitive, and the bit cursor with
+// which masked pixels are tested. A set bit hides its pixel.
 #pragma once
 
 #include "frame/software_z_buffer.h"
 
 namespace tarn {
 
-// No masks are kept yet, so none is ever in force and every filler takes its
-// unmasked path.
-inline bool mask_in_force(const Software_Z_Buffer&, const OT_Rendition&) { return false; }
+// True guarantees that the cache's head is the mask of this rendition's clip.
+// Without a cache ("Use Mask" off) no mask is ever in force.
+bool mask_in_force(const Software_Z_Buffer& renderer, const OT_Rendition& rendition);
+
+// The mask whose key is the clip's serial, made (or rebuilt in the least
+// recently used entry) when missing, and moved to the head of the list.
+Frame_Buffer_Mask* find_or_make(Mask_Cache_Data& cache, const OT_Contour_Set& clip, int width, int height,
+                                int origin_x, int origin_y);
+
+// A position in a mask row: pixels run from the high bit of a byte to the
+// low bit, x growing with the bit number.
+struct Mask_Cursor {
+  const byte* address;
+  int bit;
+};
+
+inline Mask_Cursor row_cursor(const Frame_Buffer_Mask& mask, std::int32_t row) {
+  return {mask.image->device_rows[row], 0};
+}
+
+// Moves by n pixels, n of either sign.
+inline void advance(Mask_Cursor& cursor, std::int32_t n) {
+  if (n < 0) {
+    cursor.address -= (7 - n) >> 3;
+    n += (7 - n) & ~7;
+  }
+  const std::int32_t t = cursor.bit + n;
+  cursor.address += t >> 3;
+  cursor.bit = t & 7;
+}
+
+inline void offset_cursor(const Mask_Cursor& source, Mask_Cursor& target, std::int32_t n) {
+  target = source;
+  advance(target, n);
+}
+
+inline bool mask_bit(const Mask_Cursor& cursor) { return (*cursor.address & (128 >> cursor.bit)) != 0; }
+
+// The bit of one window-relative pixel of the head mask.
+inline bool masked_pixel(const Software_Z_Buffer& renderer, std::int32_t x, std::int32_t y) {
+  Mask_Cursor cursor = row_cursor(*renderer.mask_cache->head, y);
+  advance(cursor, x);
+  return mask_bit(cursor);
+}
 
 }  // namespace tarn

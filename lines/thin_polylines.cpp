@@ -1,0 +1,283 @@
+#include "lines/thin_polylines.h"
+
+#include "lines/line_walker.h"
+#include "pixel/blend.h"
+#include "pixel/depth_test.h"
+#include "pixel/mask.h"
+#include "pixel/merge.h"
+
+namespace tarn {
+namespace {
+
+// Wide and patterned lines are the host's.
+bool host_line(const OT_Rendition& rendition) {
+  return rendition->line->pattern != 0 || rendition->line->weight > 1;
+}
+
+template <class Pixel>
+Pixel* pixel_address(byte* const* rows, std::int32_t column, std::int32_t row) {
+  return reinterpret_cast<Pixel*>(rows[row]) + column;
+}
+
+// ---- Writers without depth --------------------------------------------------
+
+struct Mapped_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  byte index;
+  const Merge_Mapped* merge;  // null when merge is off
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const {
+    byte* p = pixel_address<byte>(rows, x, y);
+    if (merge)
+      merge->apply(p, index);
+    else
+      *p = index;
+  }
+};
+
+struct Word_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  std::uint32_t word;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const { *pixel_address<std::uint32_t>(rows, x, y) = word; }
+};
+
+struct Merge_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  std::uint32_t word;
+  Merge_Rgb32 rule;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const {
+    rule.apply(pixel_address<std::uint32_t>(rows, x, y), word);
+  }
+};
+
+struct Blend_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  OT_RGB32 color;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const {
+    std::uint32_t* p = pixel_address<std::uint32_t>(rows, x, y);
+    *p = blend_weight(*p, color);
+  }
+};
+
+// ---- Writers with depth -------------------------------------------------------
+
+// Mapped: at or below, depth always written, no options, no merge.
+struct Mapped_Depth_Writer {
+  static constexpr bool kDepth = true;
+  byte* const* rows;
+  byte* const* depth_rows;
+  byte index;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t d) const {
+    std::uint16_t* z = pixel_address<std::uint16_t>(depth_rows, x, y);
+    if (d > *z) return;
+    *z = d;
+    *pixel_address<byte>(rows, x, y) = index;
+  }
+};
+
+// RGB32: "ZBuffer Test" and "ZBuffer Write" as read at the start of the call.
+template <class Test, bool kWriteDepth, bool kBlend>
+struct Rgb32_Depth_Writer {
+  static constexpr bool kDepth = true;
+  byte* const* rows;
+  byte* const* depth_rows;
+  OT_RGB32 color;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t d) const {
+    std::uint16_t* z = pixel_address<std::uint16_t>(depth_rows, x, y);
+    if (!Test::passes(d, *z)) return;
+    if constexpr (kWriteDepth) *z = d;
+    std::uint32_t* p = pixel_address<std::uint32_t>(rows, x, y);
+    *p = kBlend ? blend_weight(*p, color) : color.word();
+  }
+};
+
+// ---- The polyline ----------------------------------------------------------------
+
+struct Window_Point {
+  std::int32_t x, y, z;
+};
+
+Window_Point window_point(const Software_Z_Buffer& r, const OT_DCI_Point& p) {
+  return {p.x - r.origin_x, p.y - r.origin_y, p.z};
+}
+
+// Segments in order, writer_of(i) for segment i; the last point is left to
+// the caller.
+template <class Writer_Of>
+void walk_segments(const Software_Z_Buffer& r, int count, const OT_DCI_Point* points, Writer_Of&& writer_of) {
+  for (int i = 0; i + 1 < count; ++i) {
+    const Window_Point a = window_point(r, points[i]), b = window_point(r, points[i + 1]);
+    walk_segment(writer_of(i), a.x, a.y, a.z, b.x, b.y, b.z);
+  }
+}
+
+// The last point of a depth polyline: its z as a signed number against the
+// stored word, greater skips; otherwise colour and the low 16 bits of z,
+// whatever the depth options say.
+template <class Write_Color>
+void depth_final_pixel(const Software_Z_Buffer& r, const OT_DCI_Point& last, Write_Color&& write_color) {
+  const Window_Point p = window_point(r, last);
+  std::uint16_t* z = pixel_address<std::uint16_t>(r.depth_image->device_rows, p.x, p.y);
+  if (p.z > static_cast<std::int32_t>(*z)) return;
+  write_color(p);
+  *z = static_cast<std::uint16_t>(p.z);
+}
+
+OT_RGB32 segment_color(const OT_RGB32* colors, bool single_color, int i) { return colors[single_color ? 0 : i]; }
+
+void mapped_walk(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count, const OT_DCI_Point* points) {
+  const Merge_Mapped rule(r);
+  const Mapped_Writer writer{r.color_image->device_rows, static_cast<byte>(rendition->colors->color_index),
+                             merge_on(r, rendition) ? &rule : nullptr};
+  walk_segments(r, count, points, [&](int) -> const Mapped_Writer& { return writer; });
+  const Window_Point last = window_point(r, points[count - 1]);
+  writer.pixel(last.x, last.y, 0);
+}
+
+template <class Writer, class Make>
+void rgb32_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* points, const OT_RGB32* colors,
+                bool single_color, Make&& make) {
+  walk_segments(r, count, points, [&](int i) { return make(segment_color(colors, single_color, i)); });
+  const Window_Point last = window_point(r, points[count - 1]);
+  make(segment_color(colors, single_color, count - 2)).pixel(last.x, last.y, 0);
+}
+
+template <bool kBlend>
+void rgb32_depth_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* points, const OT_RGB32* colors,
+                      bool single_color) {
+  byte* const* rows = r.color_image->device_rows;
+  byte* const* depth_rows = r.depth_image->device_rows;
+  with_depth_test(r.depth_test, [&]<class Test>() {
+    auto walk = [&]<bool kWrite>() {
+      walk_segments(r, count, points, [&](int i) {
+        return Rgb32_Depth_Writer<Test, kWrite, kBlend>{rows, depth_rows, segment_color(colors, single_color, i)};
+      });
+    };
+    if (r.depth_write)
+      walk.template operator()<true>();
+    else
+      walk.template operator()<false>();
+  });
+  const OT_RGB32 color = segment_color(colors, single_color, count - 2);
+  depth_final_pixel(r, points[count - 1], [&](const Window_Point& p) {
+    std::uint32_t* pixel = pixel_address<std::uint32_t>(rows, p.x, p.y);
+    *pixel = kBlend ? blend_weight(*pixel, color) : color.word();
+  });
+}
+
+}  // namespace
+
+// ---- RGB32 walkers ------------------------------------------------------------
+
+void rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                  const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (host_line(rendition))
+    return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  byte* const* rows = r.color_image->device_rows;
+  if (merge_on(r, rendition)) {
+    const Merge_Rgb32 rule(r);
+    rgb32_walk<Merge_Writer>(r, count, points, colors, single_color,
+                             [&](OT_RGB32 c) { return Merge_Writer{rows, c.word(), rule}; });
+    return;
+  }
+  rgb32_walk<Word_Writer>(r, count, points, colors, single_color,
+                          [&](OT_RGB32 c) { return Word_Writer{rows, c.word()}; });
+}
+
+// A single opaque colour takes the opaque walker; merge ignores alpha.
+void rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                        const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (single_color && colors[0].a > 254)
+    return rgb32_dci_colorized_polyline(object, rendition, count, points, colors, single_color);
+  if (host_line(rendition))
+    return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  byte* const* rows = r.color_image->device_rows;
+  if (merge_on(r, rendition)) {
+    const Merge_Rgb32 rule(r);
+    rgb32_walk<Merge_Writer>(r, count, points, colors, single_color,
+                             [&](OT_RGB32 c) { return Merge_Writer{rows, c.word(), rule}; });
+    return;
+  }
+  rgb32_walk<Blend_Writer>(r, count, points, colors, single_color,
+                           [&](OT_RGB32 c) { return Blend_Writer{rows, c}; });
+}
+
+void z_rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                    const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (rendition->device->depth_enabled == 0)
+    return rgb32_dci_colorized_polyline(object, rendition, count, points, colors, single_color);
+  if (host_line(rendition))
+    return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  rgb32_depth_walk<false>(r, count, points, colors, single_color);
+}
+
+void z_rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                          const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (rendition->device->depth_enabled == 0)
+    return rgb32_alpha_dci_colorized_polyline(object, rendition, count, points, colors, single_color);
+  if (host_line(rendition))
+    return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  rgb32_depth_walk<true>(r, count, points, colors, single_color);
+}
+
+// ---- The slot functions ----------------------------------------------------------
+// Line types and the two-pass halo test are not handled yet: they do not
+// apply, and every line is drawn solid.
+
+void mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                         const OT_DCI_Point* points) {
+  if (host_line(rendition)) return OB_Standard_Draw_DCI_Polyline(object, rendition, count, points);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  mapped_walk(r, rendition, count, points);
+}
+
+void z_mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                           const OT_DCI_Point* points) {
+  if (rendition->device->depth_enabled == 0) return mapped_dci_polyline(object, rendition, count, points);
+  if (host_line(rendition)) return OB_Standard_Draw_DCI_Polyline(object, rendition, count, points);
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (mask_in_force(r, rendition)) return;
+  const byte index = static_cast<byte>(rendition->colors->color_index);
+  const Mapped_Depth_Writer writer{r.color_image->device_rows, r.depth_image->device_rows, index};
+  walk_segments(r, count, points, [&](int) -> const Mapped_Depth_Writer& { return writer; });
+  depth_final_pixel(r, points[count - 1],
+                    [&](const Window_Point& p) { *pixel_address<byte>(r.color_image->device_rows, p.x, p.y) = index; });
+}
+
+void rgb32_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                        const OT_DCI_Point* points) {
+  const OT_RGB32 color = rendition->colors->color;
+  rgb32_dci_colorized_polyline(object, rendition, count, points, &color, true);
+}
+
+void rgb32_alpha_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                              const OT_DCI_Point* points) {
+  const OT_RGB32 color = rendition->colors->color;
+  rgb32_alpha_dci_colorized_polyline(object, rendition, count, points, &color, true);
+}
+
+void z_rgb32_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                          const OT_DCI_Point* points) {
+  const OT_RGB32 color = rendition->colors->color;
+  z_rgb32_dci_colorized_polyline(object, rendition, count, points, &color, true);
+}
+
+void z_rgb32_alpha_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                const OT_DCI_Point* points) {
+  const OT_RGB32 color = rendition->colors->color;
+  z_rgb32_alpha_dci_colorized_polyline(object, rendition, count, points, &color, true);
+}
+
+}  // namespace tarn
