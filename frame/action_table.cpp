@@ -1,6 +1,7 @@
 #include "frame/action_table.h"
 
 #include "frame/buffer_services.h"
+#include "lines/clipped_polylines.h"
 #include "lines/thin_polylines.h"
 #include "primitives/dots.h"
 #include "triangles/clipped_triangles.h"
@@ -32,6 +33,7 @@ constexpr Mode_Actions kRgb32AlphaActions{
     .draw_dc_colorized_polytriangle = rgb32_alpha_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = rgb32_alpha_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = rgb32_alpha_dci_colorized_polytriangle,
+    .draw_2di_polyline = rgb32_alpha_2di_polyline,
     .draw_dci_polyline = rgb32_alpha_dci_polyline,
     .draw_dci_colorized_polyline = rgb32_alpha_dci_colorized_polyline,
     .draw_2di_polymarker = rgb32_alpha_2di_polymarker,
@@ -49,6 +51,7 @@ constexpr Mode_Actions kRgb32Actions{
     .draw_dc_colorized_polytriangle = rgb32_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = rgb32_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = rgb32_dci_colorized_polytriangle,
+    .draw_2di_polyline = rgb32_2di_polyline,
     .draw_dci_polyline = rgb32_dci_polyline,
     .draw_dci_colorized_polyline = rgb32_dci_colorized_polyline,
     .draw_2di_polymarker = rgb32_2di_polymarker,
@@ -66,6 +69,7 @@ constexpr Mode_Actions kMappedActions{
     .draw_dc_colorized_polytriangle = mapped_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = mapped_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = mapped_dci_colorized_polytriangle,
+    .draw_2di_polyline = mapped_2di_polyline,
     .draw_dci_polyline = mapped_dci_polyline,
     .draw_2di_polymarker = mapped_2di_polymarker,
     .draw_dci_dot = mapped_dci_dot,
@@ -82,6 +86,7 @@ constexpr Mode_Actions kZMappedActions{
     .draw_dc_colorized_polytriangle = z_mapped_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = z_mapped_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_mapped_dci_colorized_polytriangle,
+    .draw_2di_polyline = z_mapped_2di_polyline,
     .draw_dci_polyline = z_mapped_dci_polyline,
     .draw_dci_dot = z_mapped_dci_dot,
     .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
@@ -99,6 +104,7 @@ constexpr Mode_Actions kZRgb32AlphaActions{
     .draw_dc_colorized_polytriangle = z_rgb32_alpha_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = z_rgb32_alpha_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_rgb32_alpha_dci_colorized_polytriangle,
+    .draw_2di_polyline = z_rgb32_alpha_2di_polyline,
     .draw_dci_polyline = z_rgb32_alpha_dci_polyline,
     .draw_dci_colorized_polyline = z_rgb32_alpha_dci_colorized_polyline,
     .draw_2di_polymarker = z_rgb32_alpha_2di_polymarker,
@@ -118,6 +124,7 @@ constexpr Mode_Actions kZRgb32Actions{
     .draw_dc_colorized_polytriangle = z_rgb32_dc_colorized_polytriangle,
     .draw_2di_colorized_polytriangle = z_rgb32_2di_colorized_polytriangle,
     .draw_dci_colorized_polytriangle = z_rgb32_dci_colorized_polytriangle,
+    .draw_2di_polyline = z_rgb32_2di_polyline,
     .draw_dci_polyline = z_rgb32_dci_polyline,
     .draw_dci_colorized_polyline = z_rgb32_dci_colorized_polyline,
     .draw_2di_polymarker = z_rgb32_2di_polymarker,

@@ -1,0 +1,22 @@
+// The 2DI thin polylines of every mode: points anywhere, clipped to the hard
+// clip on the way to the walkers.
+#pragma once
+
+#include "frame/software_z_buffer.h"
+
+namespace tarn {
+
+void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+    const OT_DCI_Point* points);
+void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+    const OT_DCI_Point* points);
+void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+    const OT_DCI_Point* points);
+void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+    const OT_DCI_Point* points);
+void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+    const OT_DCI_Point* points);
+void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+    const OT_DCI_Point* points);
+
+}  // namespace tarn

@@ -1,0 +1,90 @@
+// Pixel writers of the line walkers, by mode: column and row are
+// window-relative, depth the interpolated candidate.
+#pragma once
+
+#include "frame/software_z_buffer.h"
+#include "pixel/blend.h"
+#include "pixel/depth_test.h"
+#include "pixel/merge.h"
+
+namespace tarn {
+
+template <class Pixel>
+Pixel* pixel_address(byte* const* rows, std::int32_t column, std::int32_t row) {
+  return reinterpret_cast<Pixel*>(rows[row]) + column;
+}
+
+struct Mapped_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  byte index;
+  const Merge_Mapped* merge;  // null when merge is off
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const {
+    byte* p = pixel_address<byte>(rows, x, y);
+    if (merge)
+      merge->apply(p, index);
+    else
+      *p = index;
+  }
+};
+
+struct Word_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  std::uint32_t word;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const { *pixel_address<std::uint32_t>(rows, x, y) = word; }
+};
+
+struct Merge_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  std::uint32_t word;
+  Merge_Rgb32 rule;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const {
+    rule.apply(pixel_address<std::uint32_t>(rows, x, y), word);
+  }
+};
+
+struct Blend_Writer {
+  static constexpr bool kDepth = false;
+  byte* const* rows;
+  OT_RGB32 color;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const {
+    std::uint32_t* p = pixel_address<std::uint32_t>(rows, x, y);
+    *p = blend_weight(*p, color);
+  }
+};
+
+// ---- Writers with depth -------------------------------------------------------
+
+// Mapped: at or below, depth always written, no options, no merge.
+struct Mapped_Depth_Writer {
+  static constexpr bool kDepth = true;
+  byte* const* rows;
+  byte* const* depth_rows;
+  byte index;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t d) const {
+    std::uint16_t* z = pixel_address<std::uint16_t>(depth_rows, x, y);
+    if (d > *z) return;
+    *z = d;
+    *pixel_address<byte>(rows, x, y) = index;
+  }
+};
+
+// RGB32: "ZBuffer Test" and "ZBuffer Write" as read at the start of the call.
+template <class Test, bool kWriteDepth, bool kBlend>
+struct Rgb32_Depth_Writer {
+  static constexpr bool kDepth = true;
+  byte* const* rows;
+  byte* const* depth_rows;
+  OT_RGB32 color;
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t d) const {
+    std::uint16_t* z = pixel_address<std::uint16_t>(depth_rows, x, y);
+    if (!Test::passes(d, *z)) return;
+    if constexpr (kWriteDepth) *z = d;
+    std::uint32_t* p = pixel_address<std::uint32_t>(rows, x, y);
+    *p = kBlend ? blend_weight(*p, color) : color.word();
+  }
+};
+
+}  // namespace tarn
