@@ -4,6 +4,7 @@
 #include "lines/clipped_polylines.h"
 #include "lines/thin_polylines.h"
 #include "primitives/dots.h"
+#include "primitives/polygons.h"
 #include "triangles/clipped_triangles.h"
 #include "triangles/colorized_triangles.h"
 #include "triangles/depth_triangles.h"
@@ -147,6 +148,12 @@ void install_actions(Software_Z_Buffer& r, bool tiling) {
   const OT_Renderer_Options& options = *r.current_renderer_options();
   const bool direct = options.color_system() == OT_Color_System_Direct;
   const Mode mode = select_mode(options.buffer_depth(), direct, options.alpha_blending());
+
+  // Polygons are the same in every mode.
+  r.draw_2d_polygon.install(&r, common_2d_polygon);
+  r.draw_2di_polygon.install(&r, common_2di_polygon);
+  r.draw_dc_polygon.install(&r, common_dc_polygon);
+  r.draw_dci_polygon.install(&r, common_dci_polygon);
 
   const Mode_Actions& row = mode_actions(mode);
 #define TARN_INSTALL_FROM_ROW(name, ...) \
