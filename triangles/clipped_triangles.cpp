@@ -8,6 +8,7 @@
 #include "triangles/crossing_fillers.h"
 #include "triangles/depth_triangles.h"
 #include "triangles/flat_triangles.h"
+#include "triangles/strip_outline.h"
 
 namespace tarn {
 namespace {
@@ -296,6 +297,7 @@ void z_mapped_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rend
 
 void z_rgb32_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                         const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   if (alpha_path(rendition))
     return z_rgb32_alpha_2di_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (host_pattern(rendition))
@@ -318,6 +320,7 @@ void z_rgb32_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendi
 void z_rgb32_alpha_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                               const OT_DCI_Point* points, const OT_RGB32* colors,
                                               bool single_color) {
+  if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   if (host_pattern(rendition))
     return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (depth_off(rendition))

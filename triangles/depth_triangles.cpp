@@ -6,6 +6,7 @@
 #include "triangles/colorized_triangles.h"
 #include "triangles/depth_fill.h"
 #include "triangles/flat_triangles.h"
+#include "triangles/strip_outline.h"
 
 namespace tarn {
 namespace {
@@ -53,6 +54,7 @@ void z_rgb32_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendi
                                         const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
   if (alpha_path(rendition))
     return z_rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
+  if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   if (host_pattern(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (depth_off(rendition))
@@ -73,6 +75,7 @@ void z_rgb32_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendi
 void z_rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                               const OT_DCI_Point* points, const OT_RGB32* colors,
                                               bool single_color) {
+  if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   if (host_pattern(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (depth_off(rendition))
