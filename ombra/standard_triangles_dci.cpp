@@ -1,0 +1,138 @@
+// Standard routines of the polytriangle families in the DCI form: each
+// triangle is scan-converted here and its spans go out as two-point calls of
+// the DCI polyline slot of the same kind, so that no polytriangle slot is
+// called again.
+//
+// Pixels are owned as by the renderer's walk: rows from the least y up to,
+// not including, the greatest; on a row, the pixels from the left edge up to,
+// not including, the right edge, each edge's x taken at the row's y and
+// rounded to nearest (halves upward). A span is sent as (xl, y) .. (xr, y)
+// with xr the last pixel, inclusive. Depth and colours are those of the
+// triangle's plane at the two ends.
+#include <algorithm>
+#include <utility>
+
+#include "ombra/standard_support.h"
+
+namespace {
+
+using namespace ombra;
+using R = OT_Renderer_Data;
+
+// x of the edge a -> b at row y, rounded; a.y < b.y.
+std::int32_t edge_x(const OT_DCI_Point& a, const OT_DCI_Point& b, std::int32_t y) {
+  return step_between(a.x, b.x, std::int64_t(y) - a.y, std::int64_t(b.y) - a.y);
+}
+
+// A value given at the three corners, as a plane over the device.
+struct Plane {
+  double at0, dx, dy, x0, y0;
+  double operator()(double x, double y) const { return at0 + dx * (x - x0) + dy * (y - y0); }
+};
+
+struct Triangle {
+  const OT_DCI_Point* p[3];
+  double det;
+
+  explicit Triangle(const OT_DCI_Point* points) : p{points, points + 1, points + 2} {
+    det = (double(p[1]->x) - p[0]->x) * (double(p[2]->y) - p[0]->y) -
+          (double(p[2]->x) - p[0]->x) * (double(p[1]->y) - p[0]->y);
+  }
+  Plane plane(double a0, double a1, double a2) const {
+    const double ex = double(p[1]->x) - p[0]->x, ey = double(p[1]->y) - p[0]->y;
+    const double fx = double(p[2]->x) - p[0]->x, fy = double(p[2]->y) - p[0]->y;
+    return {a0, ((a1 - a0) * fy - (a2 - a0) * ey) / det, ((a2 - a0) * ex - (a1 - a0) * fx) / det, double(p[0]->x),
+            double(p[0]->y)};
+  }
+};
+
+// Calls span(y, xl, xr) for each row of the triangle, xr inclusive.
+template <class Span>
+void scan(const Triangle& triangle, Span span) {
+  const OT_DCI_Point* s[3] = {triangle.p[0], triangle.p[1], triangle.p[2]};
+  // Stable sort by y: of equal y the earlier point stays first.
+  if (s[0]->y > s[1]->y) std::swap(s[0], s[1]);
+  if (s[1]->y > s[2]->y) std::swap(s[1], s[2]);
+  if (s[0]->y > s[1]->y) std::swap(s[0], s[1]);
+  const OT_DCI_Point &top = *s[0], &middle = *s[1], &bottom = *s[2];
+  for (std::int64_t y = top.y; y < bottom.y; ++y) {
+    const std::int32_t row = std::int32_t(y);
+    const std::int32_t a = edge_x(top, bottom, row);
+    const std::int32_t b = row < middle.y ? edge_x(top, middle, row) : edge_x(middle, bottom, row);
+    const std::int32_t left = std::min(a, b), right = std::max(a, b);
+    if (left < right) span(row, left, right - 1);
+  }
+}
+
+// The end points of a span, depth from the plane.
+void span_points(const Plane& z, std::int32_t y, std::int32_t xl, std::int32_t xr, OT_DCI_Point* out) {
+  out[0] = {xl, y, round_to_int(z(xl, y))};
+  out[1] = {xr, y, round_to_int(z(xr, y))};
+}
+
+Plane z_plane(const Triangle& t) { return t.plane(t.p[0]->z, t.p[1]->z, t.p[2]->z); }
+
+void flat_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points, const OT_RGB32* color) {
+  const Triangle t(points);
+  if (t.det == 0.0) return;
+  const Plane z = z_plane(t);
+  scan(t, [&](std::int32_t y, std::int32_t xl, std::int32_t xr) {
+    OT_DCI_Point span[2];
+    span_points(z, y, xl, xr, span);
+    if (color)
+      r->draw_dci_colorized_polyline(rd, 2, span, color, true);
+    else
+      r->draw_dci_polyline(rd, 2, span);
+  });
+}
+
+void shaded_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points, const OT_RGB32* colors) {
+  const Triangle t(points);
+  if (t.det == 0.0) return;
+  const Plane z = z_plane(t);
+  Plane channel[4];
+  for (int c = 0; c < 4; ++c) {
+    auto get = [c](const OT_RGB32& k) { return double(c == 0 ? k.b : c == 1 ? k.g : c == 2 ? k.r : k.a); };
+    channel[c] = t.plane(get(colors[0]), get(colors[1]), get(colors[2]));
+  }
+  auto color_at = [&](double x, double y) {
+    return OT_RGB32{clamp_byte(channel[0](x, y)), clamp_byte(channel[1](x, y)), clamp_byte(channel[2](x, y)),
+                    clamp_byte(channel[3](x, y))};
+  };
+  scan(t, [&](std::int32_t y, std::int32_t xl, std::int32_t xr) {
+    OT_DCI_Point span[2];
+    span_points(z, y, xl, xr, span);
+    const OT_RGB32 ends[2] = {color_at(xl, y), color_at(xr, y)};
+    r->draw_dci_gouraud_polyline(rd, 2, span, ends);
+  });
+}
+
+}  // namespace
+
+void OB_Standard_Draw_DCI_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points) {
+  for (int t = 0; t + 2 < count; ++t) flat_triangle(r, rd, points + t, nullptr);
+}
+
+// Without colours the spans take the rendition's colour.
+void OB_Standard_Draw_DCI_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                                 const OT_DCI_Point* points, const OT_RGB32* colors, bool single) {
+  for (int t = 0; t + 2 < count; ++t) flat_triangle(r, rd, points + t, colors && !single ? colors + t : colors);
+}
+
+void OB_Standard_Draw_DCI_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
+                                               const OT_RGB32* colors) {
+  for (int t = 0; t + 2 < count; ++t) {
+    if (colors)
+      shaded_triangle(r, rd, points + t, colors + t);
+    else
+      flat_triangle(r, rd, points + t, nullptr);
+  }
+}
+
+// The host has no texels to read: a textured triangle is drawn in its vertex
+// colours, or in the rendition's colour when there are none.
+void OB_Standard_Draw_DCI_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
+                                                const OT_RGB32* colors, const OT_Parameter*, int, const float*,
+                                                const OT_Vector*) {
+  OB_Standard_Draw_DCI_Gouraud_Polytriangle(r, rd, count, points, colors);
+}
