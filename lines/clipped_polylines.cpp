@@ -170,11 +170,12 @@ void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition
   const Software_Z_Buffer& r = renderer_of(object);
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  if (mask_in_force(r, rendition)) return;
   const Merge_Mapped rule(r);
   const Mapped_Writer writer{r.color_image->device_rows, static_cast<byte>(rendition->colors->color_index),
                              merge_on(r, rendition) ? &rule : nullptr};
-  clip_polyline(object, rendition, count, points, mapped_dci_polyline, false, writer);
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    clip_polyline(object, rendition, count, points, mapped_dci_polyline, false, wrap(writer));
+  });
 }
 
 void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -182,14 +183,17 @@ void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition,
   const Software_Z_Buffer& r = renderer_of(object);
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  if (mask_in_force(r, rendition)) return;
   const OT_RGB32 color = rendition->colors->color;
   byte* const* rows = r.color_image->device_rows;
-  if (merge_on(r, rendition))
-    clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false,
-                  Merge_Writer{rows, color.word(), Merge_Rgb32(r)});
-  else
-    clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false, Word_Writer{rows, color.word()});
+  const bool merge = merge_on(r, rendition);
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    if (merge)
+      clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false,
+                    wrap(Merge_Writer{rows, color.word(), Merge_Rgb32(r)}));
+    else
+      clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false,
+                    wrap(Word_Writer{rows, color.word()}));
+  });
 }
 
 void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -197,14 +201,16 @@ void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rend
   const Software_Z_Buffer& r = renderer_of(object);
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  if (mask_in_force(r, rendition)) return;
   const OT_RGB32 color = rendition->colors->color;
   byte* const* rows = r.color_image->device_rows;
-  if (merge_on(r, rendition))
-    clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false,
-                  Merge_Writer{rows, color.word(), Merge_Rgb32(r)});
-  else
-    clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false, Blend_Writer{rows, color});
+  const bool merge = merge_on(r, rendition);
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    if (merge)
+      clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false,
+                    wrap(Merge_Writer{rows, color.word(), Merge_Rgb32(r)}));
+    else
+      clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false, wrap(Blend_Writer{rows, color}));
+  });
 }
 
 // No mask test: the inside runs are masked by the DCI action itself.
@@ -221,6 +227,7 @@ void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
 
 namespace {
 
+// Behind a mask: at or below, depth always written.
 template <bool kBlend>
 void z_rgb32_clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                            const OT_DCI_Point* points, Polyline_Function inside) {
@@ -228,6 +235,11 @@ void z_rgb32_clip_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
   const OT_RGB32 color = rendition->colors->color;
   byte* const* rows = r.color_image->device_rows;
   byte* const* depth_rows = r.depth_image->device_rows;
+  if (mask_in_force(r, rendition)) {
+    clip_polyline(object, rendition, count, points, inside, true,
+                  Line_Masking(r)(Rgb32_Depth_Writer<Depth_At_Or_Below, true, kBlend>{rows, depth_rows, color}));
+    return;
+  }
   with_depth_test(r.depth_test, [&]<class Test>() {
     if (r.depth_write)
       clip_polyline(object, rendition, count, points, inside, true,
@@ -246,7 +258,6 @@ void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& renditio
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
   if (rendition->device->depth_enabled == 0) return rgb32_2di_polyline(object, rendition, count, points);
-  if (mask_in_force(r, rendition)) return;
   z_rgb32_clip_polyline<false>(object, rendition, count, points, z_rgb32_dci_polyline);
 }
 
@@ -256,7 +267,6 @@ void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& re
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
   if (rendition->device->depth_enabled == 0) return rgb32_alpha_2di_polyline(object, rendition, count, points);
-  if (mask_in_force(r, rendition)) return;
   z_rgb32_clip_polyline<true>(object, rendition, count, points, z_rgb32_alpha_dci_polyline);
 }
 

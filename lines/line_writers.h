@@ -5,6 +5,7 @@
 #include "frame/software_z_buffer.h"
 #include "pixel/blend.h"
 #include "pixel/depth_test.h"
+#include "pixel/mask.h"
 #include "pixel/merge.h"
 
 namespace tarn {
@@ -86,5 +87,46 @@ struct Rgb32_Depth_Writer {
     *p = kBlend ? blend_weight(*p, color) : color.word();
   }
 };
+
+// A line writer behind the complex clip: pixels whose mask bit is set are
+// skipped before anything else, depth included.
+template <class Writer>
+struct Masked_Writer {
+  static constexpr bool kDepth = Writer::kDepth;
+  Writer inner;
+  const Frame_Buffer_Mask* mask;
+
+  bool hidden(std::int32_t x, std::int32_t y) const { return masked_bit(*mask, x, y); }
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t d) const {
+    if (!hidden(x, y)) inner.pixel(x, y, d);
+  }
+};
+
+struct No_Line_Masking {
+  template <class Writer>
+  const Writer& operator()(const Writer& writer) const {
+    return writer;
+  }
+  bool hidden(std::int32_t, std::int32_t) const { return false; }
+};
+
+struct Line_Masking {
+  const Frame_Buffer_Mask* mask;
+  explicit Line_Masking(const Software_Z_Buffer& r) : mask(r.mask_cache->head) {}
+  template <class Writer>
+  Masked_Writer<Writer> operator()(const Writer& writer) const {
+    return {writer, mask};
+  }
+  bool hidden(std::int32_t x, std::int32_t y) const { return masked_bit(*mask, x, y); }
+};
+
+// Runs body(No_Line_Masking) or, with a mask in force, body(Line_Masking).
+template <class Body>
+inline void with_line_masking(const Software_Z_Buffer& r, const OT_Rendition& rendition, Body&& body) {
+  if (mask_in_force(r, rendition))
+    body(Line_Masking(r));
+  else
+    body(No_Line_Masking{});
+}
 
 }  // namespace tarn

@@ -2,6 +2,8 @@
 
 #include "lines/line_walker.h"
 #include "lines/line_writers.h"
+
+#include <type_traits>
 #include "pixel/blend.h"
 #include "pixel/depth_test.h"
 #include "pixel/mask.h"
@@ -49,16 +51,18 @@ void depth_final_pixel(const Software_Z_Buffer& r, const OT_DCI_Point& last, Wri
 
 OT_RGB32 segment_color(const OT_RGB32* colors, bool single_color, int i) { return colors[single_color ? 0 : i]; }
 
-void mapped_walk(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count, const OT_DCI_Point* points) {
+template <class Wrap>
+void mapped_walk(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
+                 const Wrap& wrap) {
   const Merge_Mapped rule(r);
-  const Mapped_Writer writer{r.color_image->device_rows, static_cast<byte>(rendition->colors->color_index),
-                             merge_on(r, rendition) ? &rule : nullptr};
-  walk_segments(r, count, points, [&](int) -> const Mapped_Writer& { return writer; });
+  const auto writer = wrap(Mapped_Writer{r.color_image->device_rows, static_cast<byte>(rendition->colors->color_index),
+                                         merge_on(r, rendition) ? &rule : nullptr});
+  walk_segments(r, count, points, [&](int) -> const auto& { return writer; });
   const Window_Point last = window_point(r, points[count - 1]);
   writer.pixel(last.x, last.y, 0);
 }
 
-template <class Writer, class Make>
+template <class Make>
 void rgb32_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* points, const OT_RGB32* colors,
                 bool single_color, Make&& make) {
   walk_segments(r, count, points, [&](int i) { return make(segment_color(colors, single_color, i)); });
@@ -66,23 +70,27 @@ void rgb32_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* point
   make(segment_color(colors, single_color, count - 2)).pixel(last.x, last.y, 0);
 }
 
-template <bool kBlend>
+// Behind a mask the test is at or below and depth is always written.
+template <bool kBlend, class Wrap>
 void rgb32_depth_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* points, const OT_RGB32* colors,
-                      bool single_color) {
+                      bool single_color, const Wrap& wrap) {
   byte* const* rows = r.color_image->device_rows;
   byte* const* depth_rows = r.depth_image->device_rows;
-  with_depth_test(r.depth_test, [&]<class Test>() {
+  const bool masked = !std::is_same_v<Wrap, No_Line_Masking>;
+  with_depth_test(masked ? 2 : r.depth_test, [&]<class Test>() {
     auto walk = [&]<bool kWrite>() {
       walk_segments(r, count, points, [&](int i) {
-        return Rgb32_Depth_Writer<Test, kWrite, kBlend>{rows, depth_rows, segment_color(colors, single_color, i)};
+        return wrap(Rgb32_Depth_Writer<Test, kWrite, kBlend>{rows, depth_rows, segment_color(colors, single_color, i)});
       });
     };
-    if (r.depth_write)
+    if (masked || r.depth_write)
       walk.template operator()<true>();
     else
       walk.template operator()<false>();
   });
   const OT_RGB32 color = segment_color(colors, single_color, count - 2);
+  const Window_Point last = window_point(r, points[count - 1]);
+  if (wrap.hidden(last.x, last.y)) return;
   depth_final_pixel(r, points[count - 1], [&](const Window_Point& p) {
     std::uint32_t* pixel = pixel_address<std::uint32_t>(rows, p.x, p.y);
     *pixel = kBlend ? blend_weight(*pixel, color) : color.word();
@@ -98,16 +106,17 @@ void rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& 
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   byte* const* rows = r.color_image->device_rows;
-  if (merge_on(r, rendition)) {
-    const Merge_Rgb32 rule(r);
-    rgb32_walk<Merge_Writer>(r, count, points, colors, single_color,
-                             [&](OT_RGB32 c) { return Merge_Writer{rows, c.word(), rule}; });
-    return;
-  }
-  rgb32_walk<Word_Writer>(r, count, points, colors, single_color,
-                          [&](OT_RGB32 c) { return Word_Writer{rows, c.word()}; });
+  const bool merge = merge_on(r, rendition);
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    if (merge) {
+      const Merge_Rgb32 rule(r);
+      rgb32_walk(r, count, points, colors, single_color,
+                 [&](OT_RGB32 c) { return wrap(Merge_Writer{rows, c.word(), rule}); });
+    } else {
+      rgb32_walk(r, count, points, colors, single_color, [&](OT_RGB32 c) { return wrap(Word_Writer{rows, c.word()}); });
+    }
+  });
 }
 
 // A single opaque colour takes the opaque walker; merge ignores alpha.
@@ -118,16 +127,17 @@ void rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendi
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   byte* const* rows = r.color_image->device_rows;
-  if (merge_on(r, rendition)) {
-    const Merge_Rgb32 rule(r);
-    rgb32_walk<Merge_Writer>(r, count, points, colors, single_color,
-                             [&](OT_RGB32 c) { return Merge_Writer{rows, c.word(), rule}; });
-    return;
-  }
-  rgb32_walk<Blend_Writer>(r, count, points, colors, single_color,
-                           [&](OT_RGB32 c) { return Blend_Writer{rows, c}; });
+  const bool merge = merge_on(r, rendition);
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    if (merge) {
+      const Merge_Rgb32 rule(r);
+      rgb32_walk(r, count, points, colors, single_color,
+                 [&](OT_RGB32 c) { return wrap(Merge_Writer{rows, c.word(), rule}); });
+    } else {
+      rgb32_walk(r, count, points, colors, single_color, [&](OT_RGB32 c) { return wrap(Blend_Writer{rows, c}); });
+    }
+  });
 }
 
 void z_rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -137,8 +147,8 @@ void z_rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
-  rgb32_depth_walk<false>(r, count, points, colors, single_color);
+  with_line_masking(r, rendition,
+                    [&](const auto& wrap) { rgb32_depth_walk<false>(r, count, points, colors, single_color, wrap); });
 }
 
 void z_rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -148,8 +158,8 @@ void z_rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Ren
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
-  rgb32_depth_walk<true>(r, count, points, colors, single_color);
+  with_line_masking(r, rendition,
+                    [&](const auto& wrap) { rgb32_depth_walk<true>(r, count, points, colors, single_color, wrap); });
 }
 
 // ---- The slot functions ----------------------------------------------------------
@@ -160,8 +170,7 @@ void mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition
                          const OT_DCI_Point* points) {
   if (host_line(rendition)) return OB_Standard_Draw_DCI_Polyline(object, rendition, count, points);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
-  mapped_walk(r, rendition, count, points);
+  with_line_masking(r, rendition, [&](const auto& wrap) { mapped_walk(r, rendition, count, points, wrap); });
 }
 
 void z_mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -169,12 +178,16 @@ void z_mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
   if (rendition->device->depth_enabled == 0) return mapped_dci_polyline(object, rendition, count, points);
   if (host_line(rendition)) return OB_Standard_Draw_DCI_Polyline(object, rendition, count, points);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   const byte index = static_cast<byte>(rendition->colors->color_index);
-  const Mapped_Depth_Writer writer{r.color_image->device_rows, r.depth_image->device_rows, index};
-  walk_segments(r, count, points, [&](int) -> const Mapped_Depth_Writer& { return writer; });
-  depth_final_pixel(r, points[count - 1],
-                    [&](const Window_Point& p) { *pixel_address<byte>(r.color_image->device_rows, p.x, p.y) = index; });
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    const auto writer = wrap(Mapped_Depth_Writer{r.color_image->device_rows, r.depth_image->device_rows, index});
+    walk_segments(r, count, points, [&](int) -> const auto& { return writer; });
+    const Window_Point last = window_point(r, points[count - 1]);
+    if (wrap.hidden(last.x, last.y)) return;
+    depth_final_pixel(r, points[count - 1], [&](const Window_Point& p) {
+      *pixel_address<byte>(r.color_image->device_rows, p.x, p.y) = index;
+    });
+  });
 }
 
 void rgb32_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,

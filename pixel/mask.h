@@ -3,6 +3,7 @@
 #pragma once
 
 #include "frame/software_z_buffer.h"
+#include "pixel/pixel_stores.h"
 
 namespace tarn {
 
@@ -44,11 +45,63 @@ inline void offset_cursor(const Mask_Cursor& source, Mask_Cursor& target, std::i
 
 inline bool mask_bit(const Mask_Cursor& cursor) { return (*cursor.address & (128 >> cursor.bit)) != 0; }
 
-// The bit of one window-relative pixel of the head mask.
-inline bool masked_pixel(const Software_Z_Buffer& renderer, std::int32_t x, std::int32_t y) {
-  Mask_Cursor cursor = row_cursor(*renderer.mask_cache->head, y);
+// The bit of one window-relative pixel.
+inline bool masked_bit(const Frame_Buffer_Mask& mask, std::int32_t x, std::int32_t y) {
+  Mask_Cursor cursor = row_cursor(mask, y);
   advance(cursor, x);
   return mask_bit(cursor);
+}
+
+}  // namespace tarn
+
+namespace tarn {
+
+// A writer behind the complex clip: the pixel is written only where the head
+// mask's bit is clear. The pixel's column comes from its address in the row.
+template <class Store>
+struct Masked_Store : Pixelwise<Masked_Store<Store>, typename Store::Pixel> {
+  using Pixel = typename Store::Pixel;
+  Store inner;
+  byte* const* rows;
+  const Frame_Buffer_Mask* mask;
+
+  Masked_Store(const Store& s, byte* const* r, const Frame_Buffer_Mask* m) : inner(s), rows(r), mask(m) {}
+  bool hidden(const Pixel* p, std::int32_t row) const {
+    Mask_Cursor cursor = row_cursor(*mask, row);
+    advance(cursor, static_cast<std::int32_t>(p - reinterpret_cast<const Pixel*>(rows[row])));
+    return mask_bit(cursor);
+  }
+  void pixel(Pixel* p, std::int32_t row) const {
+    if (!hidden(p, row)) inner.pixel(p, row);
+  }
+};
+
+// How a filler's writers are made: as they are, or behind the mask. Chosen
+// once per call, so that no unmasked pixel loop pays for the test.
+struct No_Masking {
+  template <class Store>
+  const Store& operator()(const Store& store) const {
+    return store;
+  }
+};
+
+struct Masking {
+  byte* const* rows;
+  const Frame_Buffer_Mask* mask;
+  explicit Masking(const Software_Z_Buffer& r) : rows(r.color_image->device_rows), mask(r.mask_cache->head) {}
+  template <class Store>
+  Masked_Store<Store> operator()(const Store& store) const {
+    return Masked_Store<Store>(store, rows, mask);
+  }
+};
+
+// Runs body(No_Masking) or, with a mask in force, body(Masking).
+template <class Body>
+inline void with_masking(const Software_Z_Buffer& r, const OT_Rendition& rendition, Body&& body) {
+  if (mask_in_force(r, rendition))
+    body(Masking(r));
+  else
+    body(No_Masking{});
 }
 
 }  // namespace tarn

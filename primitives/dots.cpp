@@ -30,7 +30,9 @@ bool dot_depth_passes(std::int32_t z, std::uint16_t stored, std::int32_t test) {
 }
 
 // The mask hides a pixel of the forms without depth.
-bool masked_away(const Software_Z_Buffer&, const OT_Rendition&, const OT_DCI_Point&) { return false; }
+bool masked_away(const Software_Z_Buffer& r, const OT_Rendition& rendition, const OT_DCI_Point& p) {
+  return mask_in_force(r, rendition) && masked_bit(*r.mask_cache->head, p.x - r.origin_x, p.y - r.origin_y);
+}
 
 byte dithered(const Software_Z_Buffer& r, OT_RGB32 color, const Pixel_At& at) {
   return dither_pick(dither_thresholds(r.cube, color), dither_threshold(at.row, at.color));

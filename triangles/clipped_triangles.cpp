@@ -1,5 +1,7 @@
 #include "triangles/clipped_triangles.h"
 
+#include <type_traits>
+
 #include "frame/software_z_buffer.h"
 #include "pixel/mask.h"
 #include "pixel/rounding.h"
@@ -71,6 +73,16 @@ struct Clip_Call {
     cross_triangle(filler, rendition, points + p, r.origin_x, r.origin_y);
   }
 
+  // "ZBuffer Test" and "ZBuffer Write" of the RGB32 opaque depth mode; behind
+  // a mask at or below, always written.
+  template <class Wrap, class Main, class Contrast>
+  void cross_depth_for(const Wrap&, int p, const Main& main, const Contrast& contrast) const {
+    if constexpr (std::is_same_v<Wrap, No_Masking>)
+      cross_depth_by_options(p, main, contrast);
+    else
+      cross_depth<Depth_At_Or_Below, true>(p, main, contrast);
+  }
+
   // "ZBuffer Test" and "ZBuffer Write" of the RGB32 opaque depth mode.
   template <class Main, class Contrast>
   void cross_depth_by_options(int p, const Main& main, const Contrast& contrast) const {
@@ -91,7 +103,8 @@ const OT_RGB32* colors_from(const OT_RGB32* colors, bool single_color, int first
 
 // The 2D forms: all three coordinates rounded, then the 2DI form.
 template <class... Rest>
-void round_then(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, Rest...),
+void round_then(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*,
+                                     Rest...),
                 OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
                 Rest... rest) {
   if (nothing_to_draw(renderer_of(object), count)) return;
@@ -110,45 +123,54 @@ OT_RGB32 color_of(const OT_RGB32* colors, bool single_color, int p) { return col
 void mapped_2di_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                              const OT_DCI_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_2DI_Polytriangle(object, rendition, count, points);
-  if (nothing_to_draw(renderer_of(object), count) || mask_in_force(renderer_of(object), rendition)) return;
+  if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const byte index = static_cast<byte>(rendition->colors->color_index);
   const byte contrast = rendition->colors->contrast_index;
   const bool merge = merge_on(call.r, rendition);
   const Merge_Mapped rule(call.r);
-  call.run([&] { mapped_dci_polytriangle(object, rendition, count, points); },
-           [&](int first, int n) { mapped_dci_polytriangle(object, rendition, n, points + first); },
-           [&](int p) {
-             // Crossing spans merge, patterned ones too.
-             if (merge)
-               call.cross_plain(p, Merge_Index_Store(rule, index), Merge_Index_Store(rule, contrast));
-             else
-               call.cross_plain(p, Index_Store{index}, Index_Store{contrast});
-           });
+  with_masking(call.r, rendition, [&](const auto& wrap) {
+    call.run([&] { mapped_dci_polytriangle(object, rendition, count, points); },
+             [&](int first, int n) { mapped_dci_polytriangle(object, rendition, n, points + first); },
+             [&](int p) {
+               // Crossing spans merge, patterned ones too.
+               if (merge)
+                 call.cross_plain(p, wrap(Merge_Index_Store(rule, index)),
+                                  wrap(Merge_Index_Store(rule, contrast)));
+               else
+                 call.cross_plain(p, wrap(Index_Store{index}), wrap(Index_Store{contrast}));
+             });
+  });
 }
 
 void mapped_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                       const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+                                       const OT_DCI_Point* points, const OT_RGB32* colors,
+                                       bool single_color) {
   if (host_pattern(rendition))
-    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  if (nothing_to_draw(renderer_of(object), count) || mask_in_force(renderer_of(object), rendition)) return;
+    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors,
+                                                       single_color);
+  if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const byte contrast = rendition->colors->contrast_index;
   const bool merge = merge_on(call.r, rendition);
   const Merge_Mapped rule(call.r);
   const OT_Color_Cube& cube = call.r.cube;
-  call.run([&] { mapped_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
-           [&](int first, int n) {
-             mapped_dci_colorized_polytriangle(object, rendition, n, points + first,
-                                               colors_from(colors, single_color, first), single_color);
-           },
-           [&](int p) {
-             const Dither_Levels levels = dither_levels(cube, color_of(colors, single_color, p));
-             if (merge)
-               call.cross_plain(p, Merge_Dither_Add_Store(rule, cube, levels), Merge_Index_Store(rule, contrast));
-             else
-               call.cross_plain(p, Dither_Add_Store(cube, levels), Index_Store{contrast});
-           });
+  with_masking(call.r, rendition, [&](const auto& wrap) {
+    call.run(
+        [&] { mapped_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
+        [&](int first, int n) {
+          mapped_dci_colorized_polytriangle(object, rendition, n, points + first,
+                                            colors_from(colors, single_color, first), single_color);
+        },
+        [&](int p) {
+          const Dither_Levels levels = dither_levels(cube, color_of(colors, single_color, p));
+          if (merge)
+            call.cross_plain(p, wrap(Merge_Dither_Add_Store(rule, cube, levels)),
+                             wrap(Merge_Index_Store(rule, contrast)));
+          else
+            call.cross_plain(p, wrap(Dither_Add_Store(cube, levels)), wrap(Index_Store{contrast}));
+        });
+  });
 }
 
 void mapped_2d_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -172,46 +194,59 @@ void rgb32_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Renditi
   if (alpha_path(rendition))
     return rgb32_alpha_2di_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (host_pattern(rendition))
-    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  if (nothing_to_draw(renderer_of(object), count) || mask_in_force(renderer_of(object), rendition)) return;
+    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors,
+                                                       single_color);
+  if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const Word_Store contrast{rendition->colors->contrast_color.word()};
-  call.run([&] { rgb32_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
-           [&](int first, int n) {
-             rgb32_dci_colorized_polytriangle(object, rendition, n, points + first,
-                                              colors_from(colors, single_color, first), single_color);
-           },
-           [&](int p) { call.cross_plain(p, Word_Store{color_of(colors, single_color, p).word()}, contrast); });
+  with_masking(call.r, rendition, [&](const auto& wrap) {
+    call.run(
+        [&] { rgb32_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
+        [&](int first, int n) {
+          rgb32_dci_colorized_polytriangle(object, rendition, n, points + first,
+                                           colors_from(colors, single_color, first), single_color);
+        },
+        [&](int p) {
+          call.cross_plain(p, wrap(Word_Store{color_of(colors, single_color, p).word()}), wrap(contrast));
+        });
+  });
 }
 
 // As the alpha filler: under merge the first colour counts as opaque; opaque
 // colours store plain or merge, translucent ones blend (and their pattern
 // holes store the contrast colour plain).
-void rgb32_alpha_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                            const OT_DCI_Point* points, const OT_RGB32* colors,
+void rgb32_alpha_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition,
+                                            int count, const OT_DCI_Point* points, const OT_RGB32* colors,
                                             bool single_color) {
   if (host_pattern(rendition))
-    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  if (nothing_to_draw(renderer_of(object), count) || mask_in_force(renderer_of(object), rendition)) return;
+    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors,
+                                                       single_color);
+  if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const bool merge = merge_on(call.r, rendition);
   const Merge_Rgb32 rule(call.r);
   const std::uint32_t contrast = rendition->colors->contrast_color.word();
-  call.run([&] { rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
-           [&](int first, int n) {
-             rgb32_alpha_dci_colorized_polytriangle(object, rendition, n, points + first,
-                                                    colors_from(colors, single_color, first), single_color);
-           },
-           [&](int p) {
-             OT_RGB32 color = color_of(colors, single_color, p);
-             if (merge && (single_color || p == 0)) color.a = 255;
-             if (color.a != 255)
-               call.cross_plain(p, Blend_Exact_Store(color), Word_Store{contrast});
-             else if (merge)
-               call.cross_plain(p, Merge_Word_Store(rule, color.word()), Merge_Word_Store(rule, contrast));
-             else
-               call.cross_plain(p, Word_Store{color.word()}, Word_Store{contrast});
-           });
+  with_masking(call.r, rendition, [&](const auto& wrap) {
+    call.run(
+        [&] {
+          rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
+        },
+        [&](int first, int n) {
+          rgb32_alpha_dci_colorized_polytriangle(object, rendition, n, points + first,
+                                                 colors_from(colors, single_color, first), single_color);
+        },
+        [&](int p) {
+          OT_RGB32 color = color_of(colors, single_color, p);
+          if (merge && (single_color || p == 0)) color.a = 255;
+          if (color.a != 255)
+            call.cross_plain(p, wrap(Blend_Exact_Store(color)), wrap(Word_Store{contrast}));
+          else if (merge)
+            call.cross_plain(p, wrap(Merge_Word_Store(rule, color.word())),
+                             wrap(Merge_Word_Store(rule, contrast)));
+          else
+            call.cross_plain(p, wrap(Word_Store{color.word()}), wrap(Word_Store{contrast}));
+        });
+  });
 }
 
 void rgb32_2di_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -251,7 +286,8 @@ void rgb32_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Renditio
 }
 
 void rgb32_alpha_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                           const OT_Point* points, const OT_RGB32* colors, bool single_color) {
+                                           const OT_Point* points, const OT_RGB32* colors,
+                                           bool single_color) {
   if (host_pattern(rendition))
     return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   round_then(rgb32_alpha_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
@@ -264,72 +300,87 @@ void z_mapped_2di_polytriangle(OT_Renderer_Data* object, const OT_Rendition& ren
                                const OT_DCI_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_2DI_Polytriangle(object, rendition, count, points);
   if (depth_off(rendition)) return mapped_2di_polytriangle(object, rendition, count, points);
-  if (nothing_to_draw(renderer_of(object), count) || mask_in_force(renderer_of(object), rendition)) return;
+  if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const Index_Store main{static_cast<byte>(rendition->colors->color_index)};
   const Index_Store contrast{rendition->colors->contrast_index};
-  call.run([&] { z_mapped_dci_polytriangle(object, rendition, count, points); },
-           [&](int first, int n) { z_mapped_dci_polytriangle(object, rendition, n, points + first); },
-           [&](int p) { call.cross_depth<Depth_At_Or_Below, true>(p, main, contrast); });
+  with_masking(call.r, rendition, [&](const auto& wrap) {
+    call.run([&] { z_mapped_dci_polytriangle(object, rendition, count, points); },
+             [&](int first, int n) { z_mapped_dci_polytriangle(object, rendition, n, points + first); },
+             [&](int p) { call.cross_depth<Depth_At_Or_Below, true>(p, wrap(main), wrap(contrast)); });
+  });
 }
 
 void z_mapped_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                         const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+                                         const OT_DCI_Point* points, const OT_RGB32* colors,
+                                         bool single_color) {
   if (host_pattern(rendition))
-    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
+    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors,
+                                                       single_color);
   if (depth_off(rendition))
     return mapped_2di_colorized_polytriangle(object, rendition, count, points, colors, single_color);
-  if (nothing_to_draw(renderer_of(object), count) || mask_in_force(renderer_of(object), rendition)) return;
+  if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const Index_Store contrast{rendition->colors->contrast_index};
   const OT_Color_Cube& cube = call.r.cube;
-  call.run(
-      [&] { z_mapped_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
-      [&](int first, int n) {
-        z_mapped_dci_colorized_polytriangle(object, rendition, n, points + first,
-                                            colors_from(colors, single_color, first), single_color);
-      },
-      [&](int p) {
-        const Dither_Add_Store main(cube, dither_levels(cube, color_of(colors, single_color, p)));
-        call.cross_depth<Depth_At_Or_Below, true>(p, main, contrast);
-      });
+  with_masking(call.r, rendition, [&](const auto& wrap) {
+    call.run(
+        [&] { z_mapped_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
+        [&](int first, int n) {
+          z_mapped_dci_colorized_polytriangle(object, rendition, n, points + first,
+                                              colors_from(colors, single_color, first), single_color);
+        },
+        [&](int p) {
+          const Dither_Add_Store main(cube, dither_levels(cube, color_of(colors, single_color, p)));
+          call.cross_depth<Depth_At_Or_Below, true>(p, wrap(main), wrap(contrast));
+        });
+  });
 }
 
 void z_rgb32_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                        const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+                                        const OT_DCI_Point* points, const OT_RGB32* colors,
+                                        bool single_color) {
   if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   if (alpha_path(rendition))
     return z_rgb32_alpha_2di_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (host_pattern(rendition))
-    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
+    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors,
+                                                       single_color);
   if (depth_off(rendition))
     return rgb32_2di_colorized_polytriangle(object, rendition, count, points, colors, single_color);
-  if (nothing_to_draw(renderer_of(object), count) || mask_in_force(renderer_of(object), rendition)) return;
+  if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const Word_Store contrast{rendition->colors->contrast_color.word()};
-  call.run([&] { z_rgb32_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
-           [&](int first, int n) {
-             z_rgb32_dci_colorized_polytriangle(object, rendition, n, points + first,
-                                                colors_from(colors, single_color, first), single_color);
-           },
-           [&](int p) {
-             call.cross_depth_by_options(p, Word_Store{color_of(colors, single_color, p).word()}, contrast);
-           });
+  with_masking(call.r, rendition, [&](const auto& wrap) {
+    call.run(
+        [&] { z_rgb32_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
+        [&](int first, int n) {
+          z_rgb32_dci_colorized_polytriangle(object, rendition, n, points + first,
+                                             colors_from(colors, single_color, first), single_color);
+        },
+        [&](int p) {
+          call.cross_depth_for(wrap, p, wrap(Word_Store{color_of(colors, single_color, p).word()}),
+                               wrap(contrast));
+        });
+  });
 }
 
-void z_rgb32_alpha_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                              const OT_DCI_Point* points, const OT_RGB32* colors,
+void z_rgb32_alpha_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition,
+                                              int count, const OT_DCI_Point* points, const OT_RGB32* colors,
                                               bool single_color) {
   if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   if (host_pattern(rendition))
-    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
+    return OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors,
+                                                       single_color);
   if (depth_off(rendition))
     return rgb32_alpha_2di_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (nothing_to_draw(renderer_of(object), count)) return;
   const Clip_Call call(object, rendition, count, points);
   const Word_Store contrast{rendition->colors->contrast_color.word()};
   call.run(
-      [&] { z_rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color); },
+      [&] {
+        z_rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
+      },
       [&](int first, int n) {
         z_rgb32_alpha_dci_colorized_polytriangle(object, rendition, n, points + first,
                                                  colors_from(colors, single_color, first), single_color);
@@ -387,11 +438,13 @@ void z_rgb32_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendit
   round_then(z_rgb32_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
-void z_rgb32_alpha_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                             const OT_Point* points, const OT_RGB32* colors, bool single_color) {
+void z_rgb32_alpha_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition,
+                                             int count, const OT_Point* points, const OT_RGB32* colors,
+                                             bool single_color) {
   if (host_pattern(rendition))
     return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(z_rgb32_alpha_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  round_then(z_rgb32_alpha_2di_colorized_polytriangle, object, rendition, count, points, colors,
+             single_color);
 }
 
 }  // namespace tarn

@@ -56,12 +56,14 @@ void mapped_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendit
   if (host_pattern(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   const Stipple_Flags flags = stipple_flags(rendition);
   const Face_Fill fill = face_fill(rendition->face->pattern, flags);
   if (fill == Face_Fill::nothing) return;
-  fill_strip(r, rendition, count, points, fill, flags, Dither_Per_Triangle(r.cube, points, colors, single_color),
-             Index_Store{rendition->colors->contrast_index});
+  with_masking(r, rendition, [&](const auto& wrap) {
+    Dither_Per_Triangle dither(r.cube, points, colors, single_color);
+    fill_strip(r, rendition, count, points, fill, flags, [&](int i) { return wrap(dither(i)); },
+               wrap(Index_Store{rendition->colors->contrast_index}));
+  });
 }
 
 void mapped_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -79,13 +81,15 @@ void z_mapped_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rend
   if (rendition->device->depth_enabled == 0)
     return mapped_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   const Stipple_Flags flags = stipple_flags(rendition);
   const Face_Fill fill = face_fill(rendition->face->pattern, flags);
   if (fill == Face_Fill::nothing) return;
-  fill_depth_strip<Depth_At_Or_Below, true>(r, rendition, count, points, fill, flags,
-                                            Dither_Per_Triangle(r.cube, points, colors, single_color),
-                                            Index_Store{rendition->colors->contrast_index});
+  with_masking(r, rendition, [&](const auto& wrap) {
+    Dither_Per_Triangle dither(r.cube, points, colors, single_color);
+    fill_depth_strip<Depth_At_Or_Below, true>(r, rendition, count, points, fill, flags,
+                                              [&](int i) { return wrap(dither(i)); },
+                                              wrap(Index_Store{rendition->colors->contrast_index}));
+  });
 }
 
 void z_mapped_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,

@@ -45,12 +45,20 @@ struct Depth_Edges {
 };
 
 // Depth first, then colour; a failing pixel changes nothing.
+// Behind a mask the depth test comes first, then the mask bit: a hidden pixel
+// leaves depth alone too.
 template <class Test, bool kWriteDepth, class Store>
 inline void depth_pixel(const Store& store, typename Store::Pixel* p, std::uint16_t* zp, std::uint16_t d,
                         std::int32_t row) {
   if (!Test::passes(d, *zp)) return;
-  if constexpr (kWriteDepth) *zp = d;
-  store.pixel(p, row);
+  if constexpr (requires { store.inner; }) {
+    if (store.hidden(p, row)) return;
+    if constexpr (kWriteDepth) *zp = d;
+    store.inner.pixel(p, row);
+  } else {
+    if constexpr (kWriteDepth) *zp = d;
+    store.pixel(p, row);
+  }
 }
 
 template <Span_Store Store, class Test, bool kWriteDepth>

@@ -33,14 +33,15 @@ void z_mapped_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& ren
   if (host_pattern(rendition)) return OB_Standard_Draw_DCI_Polytriangle(object, rendition, count, points);
   if (depth_off(rendition)) return mapped_dci_polytriangle(object, rendition, count, points);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   const Stipple_Flags flags = stipple_flags(rendition);
   const Face_Fill fill = face_fill(rendition->face->pattern, flags);
   if (fill == Face_Fill::nothing) return;
   const Index_Store store{static_cast<byte>(rendition->colors->color_index)};
-  fill_depth_strip<Depth_At_Or_Below, true>(r, rendition, count, points, fill, flags,
-                                            [store](int) { return store; },
-                                            Index_Store{rendition->colors->contrast_index});
+  with_masking(r, rendition, [&](const auto& wrap) {
+    fill_depth_strip<Depth_At_Or_Below, true>(r, rendition, count, points, fill, flags,
+                                              [&](int) { return wrap(store); },
+                                              wrap(Index_Store{rendition->colors->contrast_index}));
+  });
 }
 
 void z_mapped_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -60,12 +61,19 @@ void z_rgb32_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendi
   if (depth_off(rendition))
     return rgb32_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   const Stipple_Flags flags = stipple_flags(rendition);
   const Face_Fill fill = face_fill(rendition->face->pattern, flags);
   if (fill == Face_Fill::nothing) return;
   auto store_of = [colors, single_color](int i) { return Word_Store{colors[single_color ? 0 : i].word()}; };
   const Word_Store contrast{rendition->colors->contrast_color.word()};
+  if (mask_in_force(r, rendition)) {
+    // Behind the mask the test is at or below and depth is always written,
+    // whatever the options say.
+    const Masking wrap(r);
+    fill_depth_strip<Depth_At_Or_Below, true>(r, rendition, count, points, fill, flags,
+                                              [&](int i) { return wrap(store_of(i)); }, wrap(contrast));
+    return;
+  }
   with_depth_test(r.depth_test, [&]<class Test>() {
     fill_depth_strip_writing<Test>(r, rendition, count, points, fill, flags, store_of, contrast);
   });

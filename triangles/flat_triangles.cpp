@@ -5,6 +5,8 @@
 #include "pixel/rounding.h"
 #include "triangles/span_fillers.h"
 
+#include <type_traits>
+
 namespace tarn {
 namespace {
 
@@ -26,33 +28,42 @@ void run_rounded_xy(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&,
 // Solid RGB32 spans of the alpha filler: plain store (or merge) where the
 // colour is opaque, the exact blend elsewhere; rows outside the image are
 // walked without writing.
-void alpha_solid_triangle(const Software_Z_Buffer& r, const OT_DCI_Point* p, OT_RGB32 color, bool merge) {
-  auto walk = [&](auto filler) { walk_triangle(filler, {&p[0]}, {&p[1]}, {&p[2]}, r.origin_x, r.origin_y); };
+template <class Wrap>
+void alpha_solid_triangle(const Software_Z_Buffer& r, const OT_DCI_Point* p, OT_RGB32 color, bool merge,
+                          const Wrap& wrap) {
   byte* const* rows = r.color_image->device_rows;
+  auto walk = [&](const auto& store) {
+    Solid_Span_Filler<std::decay_t<decltype(store)>, true> filler{rows, store, r.height};
+    walk_triangle(filler, {&p[0]}, {&p[1]}, {&p[2]}, r.origin_x, r.origin_y);
+  };
   if (color.a == 255) {
     if (merge)
-      walk(Solid_Span_Filler<Merge_Word_Store, true>{rows, Merge_Word_Store(Merge_Rgb32(r), color.word()), r.height});
+      walk(wrap(Merge_Word_Store(Merge_Rgb32(r), color.word())));
     else
-      walk(Solid_Span_Filler<Word_Store, true>{rows, Word_Store{color.word()}, r.height});
+      walk(wrap(Word_Store{color.word()}));
   } else {
-    walk(Solid_Span_Filler<Blend_Exact_Store, true>{rows, Blend_Exact_Store(color), r.height});
+    walk(wrap(Blend_Exact_Store(color)));
   }
 }
 
+template <class Wrap>
 void alpha_pattern_triangle(const Software_Z_Buffer& r, const OT_DCI_Point* p, OT_RGB32 color, bool merge,
-                            const OT_Rendition& rendition, Stipple_Flags flags, const Pattern_Source& source) {
+                            const OT_Rendition& rendition, Stipple_Flags flags, const Pattern_Source& source,
+                            const Wrap& wrap) {
   auto walk = [&](auto& filler) { walk_triangle(filler, {&p[0]}, {&p[1]}, {&p[2]}, r.origin_x, r.origin_y); };
   byte* const* rows = r.color_image->device_rows;
   const std::uint32_t contrast = rendition->colors->contrast_color.word();
   if (color.a != 255) {
     // Translucent: the main colour blends, the contrast colour replaces.
-    with_pattern_filler(rows, Blend_Exact_Store(color), flags.contrast, Word_Store{contrast}, source, walk);
+    with_pattern_filler(rows, wrap(Blend_Exact_Store(color)), flags.contrast, wrap(Word_Store{contrast}), source,
+                        walk);
   } else if (merge) {
     const Merge_Rgb32 rule(r);
-    with_pattern_filler(rows, Merge_Word_Store(rule, color.word()), flags.contrast, Merge_Word_Store(rule, contrast),
-                        source, walk);
+    with_pattern_filler(rows, wrap(Merge_Word_Store(rule, color.word())), flags.contrast,
+                        wrap(Merge_Word_Store(rule, contrast)), source, walk);
   } else {
-    with_pattern_filler(rows, Word_Store{color.word()}, flags.contrast, Word_Store{contrast}, source, walk);
+    with_pattern_filler(rows, wrap(Word_Store{color.word()}), flags.contrast, wrap(Word_Store{contrast}), source,
+                        walk);
   }
 }
 
@@ -64,30 +75,22 @@ void mapped_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendi
                              const OT_DCI_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DCI_Polytriangle(object, rendition, count, points);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   const byte index = static_cast<byte>(rendition->colors->color_index);
   const Stipple_Flags flags = stipple_flags(rendition);
-  byte* const* rows = r.color_image->device_rows;
-  switch (face_fill(rendition->face->pattern, flags)) {
-    case Face_Fill::solid:
-      if (merge_on(r, rendition)) {
-        Solid_Span_Filler<Merge_Index_Store> filler{rows, Merge_Index_Store(Merge_Mapped(r), index)};
-        walk_strip(filler, count, points, r.origin_x, r.origin_y);
-      } else {
-        Solid_Span_Filler<Index_Store> filler{rows, Index_Store{index}};
-        walk_strip(filler, count, points, r.origin_x, r.origin_y);
-      }
-      return;
-    case Face_Fill::nothing:
-      return;
-    case Face_Fill::pattern: {
-      // Merge is ignored on this path.
-      const Pattern_Source source = Pattern_Source::of(rendition, flags);
-      with_pattern_filler(rows, Index_Store{index}, flags.contrast, Index_Store{rendition->colors->contrast_index},
-                          source, [&](auto& filler) { walk_strip(filler, count, points, r.origin_x, r.origin_y); });
-      return;
+  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
+  if (fill == Face_Fill::nothing) return;
+  const bool merge = merge_on(r, rendition);
+  with_masking(r, rendition, [&](const auto& wrap) {
+    const auto contrast = wrap(Index_Store{rendition->colors->contrast_index});
+    // Merge applies on the solid path only.
+    if (fill == Face_Fill::solid && merge) {
+      const Merge_Mapped rule(r);
+      fill_strip(r, rendition, count, points, fill, flags,
+                 [&](int) { return wrap(Merge_Index_Store(rule, index)); }, contrast);
+    } else {
+      fill_strip(r, rendition, count, points, fill, flags, [&](int) { return wrap(Index_Store{index}); }, contrast);
     }
-  }
+  });
 }
 
 void mapped_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -109,14 +112,15 @@ void rgb32_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Renditi
   const Software_Z_Buffer& r = renderer_of(object);
   if (merge_on(r, rendition))
     return rgb32_alpha_dci_colorized_polytriangle(object, rendition, count, points, colors, single_color);
-  if (mask_in_force(r, rendition)) return;
   const Stipple_Flags flags = stipple_flags(rendition);
   const Face_Fill fill = face_fill(rendition->face->pattern, flags);
   if (fill == Face_Fill::nothing) return;
-  fill_strip(
-      r, rendition, count, points, fill, flags,
-      [colors, single_color](int i) { return Word_Store{colors[single_color ? 0 : i].word()}; },
-      Word_Store{rendition->colors->contrast_color.word()});
+  with_masking(r, rendition, [&](const auto& wrap) {
+    fill_strip(
+        r, rendition, count, points, fill, flags,
+        [&](int i) { return wrap(Word_Store{colors[single_color ? 0 : i].word()}); },
+        wrap(Word_Store{rendition->colors->contrast_color.word()}));
+  });
 }
 
 void rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -125,7 +129,6 @@ void rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_R
   if (host_pattern(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  if (mask_in_force(r, rendition)) return;
   OT_RGB32 first = colors[0];
   if (first.a == 0 && single_color) return;
   const bool merge = merge_on(r, rendition);
@@ -136,13 +139,15 @@ void rgb32_alpha_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_R
   const Face_Fill fill = face_fill(rendition->face->pattern, flags);
   if (fill == Face_Fill::nothing) return;
   const Pattern_Source source = fill == Face_Fill::pattern ? Pattern_Source::of(rendition, flags) : Pattern_Source{};
-  for (int i = 0; i + 2 < count; ++i) {
-    const OT_RGB32 color = (i == 0 || single_color) ? first : colors[i];
-    if (fill == Face_Fill::solid)
-      alpha_solid_triangle(r, points + i, color, merge);
-    else
-      alpha_pattern_triangle(r, points + i, color, merge, rendition, flags, source);
-  }
+  with_masking(r, rendition, [&](const auto& wrap) {
+    for (int i = 0; i + 2 < count; ++i) {
+      const OT_RGB32 color = (i == 0 || single_color) ? first : colors[i];
+      if (fill == Face_Fill::solid)
+        alpha_solid_triangle(r, points + i, color, merge, wrap);
+      else
+        alpha_pattern_triangle(r, points + i, color, merge, rendition, flags, source, wrap);
+    }
+  });
 }
 
 void rgb32_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
