@@ -53,7 +53,9 @@ OMBRA_API void OB_Preclip_Tail(short code, const OT_Int_Rectangle& rectangle, co
 OMBRA_API bool OB_Preclip_Ends(const short* codes, const OT_Int_Rectangle& rectangle, const OT_Point_D* points,
                                OT_DCI_Point* out_points, const OT_RGB32* colors, OT_RGB32* out_colors);
 // Clips the triangle points[0..2] to the rectangle; true with out_count points
-// (a convex polygon as a strip) when something remains.
+// (a convex polygon as a strip) when something remains. A list is read and
+// written only when both its input and output are given; outputs need room
+// for 7 points.
 OMBRA_API bool OB_Preclip_2D_Triangle(const OT_Renderer_Data* renderer, const OT_Rendition* rendition,
                                       const OT_Int_Rectangle& rectangle, const OT_Point_D* points, int& out_count,
                                       OT_DCI_Point* out_points, const OT_RGB32* colors, OT_RGB32* out_colors,

@@ -227,7 +227,8 @@ void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
 
 namespace {
 
-// Behind a mask: at or below, depth always written.
+// Behind a mask: at or below, depth always written, and the colour stored
+// whole, alpha not honoured.
 template <bool kBlend>
 void z_rgb32_clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                            const OT_DCI_Point* points, Polyline_Function inside) {
@@ -237,7 +238,7 @@ void z_rgb32_clip_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
   byte* const* depth_rows = r.depth_image->device_rows;
   if (mask_in_force(r, rendition)) {
     clip_polyline(object, rendition, count, points, inside, true,
-                  Line_Masking(r)(Rgb32_Depth_Writer<Depth_At_Or_Below, true, kBlend>{rows, depth_rows, color}));
+                  Line_Masking(r)(Rgb32_Depth_Writer<Depth_At_Or_Below, true, false>{rows, depth_rows, color}));
     return;
   }
   with_depth_test(r.depth_test, [&]<class Test>() {

@@ -158,8 +158,10 @@ void z_rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Ren
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  with_line_masking(r, rendition,
-                    [&](const auto& wrap) { rgb32_depth_walk<true>(r, count, points, colors, single_color, wrap); });
+  // Behind a mask this mode draws as the opaque one: alpha is ignored.
+  if (mask_in_force(r, rendition))
+    return rgb32_depth_walk<false>(r, count, points, colors, single_color, Line_Masking(r));
+  rgb32_depth_walk<true>(r, count, points, colors, single_color, No_Line_Masking{});
 }
 
 // ---- The slot functions ----------------------------------------------------------

@@ -36,11 +36,14 @@ class Ear_Clipper {
     const double ax = std::fabs(projection.x), ay = std::fabs(projection.y), az = std::fabs(projection.z);
     // Drop the dominant axis; keep the other two in cyclic order.
     if (az >= ax && az >= ay) {
-      first_ = 0, second_ = 1;
+      first_ = 0;
+      second_ = 1;
     } else if (ax >= ay) {
-      first_ = 1, second_ = 2;
+      first_ = 1;
+      second_ = 2;
     } else {
-      first_ = 2, second_ = 0;
+      first_ = 2;
+      second_ = 0;
     }
   }
 

@@ -173,11 +173,17 @@ TEST_P(Establish_Images, NewWindowSizeReplacesBothImages) {
     EXPECT_EQ(r->depth_image->height, 25);
   }
 
-  const OT_Shared_Image taller = r->color_image;
+  const OT_Shared_Image taller = r->color_image, taller_depth = r->depth_image;
   ASSERT_EQ(establish_in(*r, mode, {31, 25}), 0);
   EXPECT_NE(r->color_image.get(), taller.get());
   EXPECT_EQ(r->color_image->width, 31);
   EXPECT_EQ(r->width, 31);
+  if (mode.depth()) {
+    ASSERT_TRUE(r->depth_image);
+    EXPECT_NE(r->depth_image.get(), taller_depth.get());
+    EXPECT_EQ(r->depth_image->width, 31);
+    EXPECT_EQ(r->depth_image->height, 25);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(Establish, Establish_Images, ::testing::ValuesIn(kAllModes), mode_name);
@@ -550,6 +556,11 @@ const Walk_Case kWalkCases[] = {
     // A channel between 5 and 250 keeps its step: blue walks down from 255
     // and stays on its way down at 250, red and green walk up.
     {"middle_keeps_step", 0, 128, 255, {{1, OT_RGB32::rgba(0, 128, 255)}, {2, OT_RGB32::rgba(15, 143, 240)}}, 1, 2},
+    // The walk starts at the palette's colour, not at the background: from
+    // 251 the channels walk down to grey 228, where from the background's 240
+    // they would first climb to the white of entry 3.
+    {"walk_starts_at_the_palette_colour", 240, 240, 240,
+     {{1, OT_RGB32::rgba(251, 251, 251)}, {2, OT_RGB32::rgba(228, 228, 228)}, {3, OT_RGB32::rgba(255, 255, 255)}}, 1, 2},
     // Nothing near: 103 passes, and the two indices stay equal.
     {"nothing_near", 0, 0, 0, {}, 0, 0},
     {"nothing_near_grey", 100, 100, 100, {}, 0, 0},

@@ -116,6 +116,22 @@ void round_then(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int
 // The colour of triangle p of a list.
 OT_RGB32 color_of(const OT_RGB32* colors, bool single_color, int p) { return colors[single_color ? 0 : p]; }
 
+// The 2D forms: patterns above 74 go to the host; otherwise all three
+// coordinates are rounded and the mode's 2DI form runs.
+template <auto Integer_Form>
+void plain_2d(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points) {
+  if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
+  round_then(Integer_Form, object, rendition, count, points);
+}
+
+template <auto Integer_Form>
+void colorized_2d(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
+                  const OT_RGB32* colors, bool single_color) {
+  if (host_pattern(rendition))
+    return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
+  round_then(Integer_Form, object, rendition, count, points, colors, single_color);
+}
+
 }  // namespace
 
 // ---- Mapped --------------------------------------------------------------------
@@ -175,15 +191,12 @@ void mapped_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendit
 
 void mapped_2d_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                             const OT_Point* points) {
-  if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
-  round_then(mapped_2di_polytriangle, object, rendition, count, points);
+  plain_2d<mapped_2di_polytriangle>(object, rendition, count, points);
 }
 
 void mapped_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                       const OT_Point* points, const OT_RGB32* colors, bool single_color) {
-  if (host_pattern(rendition))
-    return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(mapped_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  colorized_2d<mapped_2di_colorized_polytriangle>(object, rendition, count, points, colors, single_color);
 }
 
 // ---- RGB32 without depth ----------------------------------------------------------
@@ -268,29 +281,24 @@ void rgb32_alpha_2di_polytriangle(OT_Renderer_Data* object, const OT_Rendition& 
 
 void rgb32_2d_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                            const OT_Point* points) {
-  if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
-  round_then(rgb32_2di_polytriangle, object, rendition, count, points);
+  plain_2d<rgb32_2di_polytriangle>(object, rendition, count, points);
 }
 
 void rgb32_alpha_2d_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                  const OT_Point* points) {
-  if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
-  round_then(rgb32_alpha_2di_polytriangle, object, rendition, count, points);
+  plain_2d<rgb32_alpha_2di_polytriangle>(object, rendition, count, points);
 }
 
 void rgb32_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                      const OT_Point* points, const OT_RGB32* colors, bool single_color) {
-  if (host_pattern(rendition))
-    return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(rgb32_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  colorized_2d<rgb32_2di_colorized_polytriangle>(object, rendition, count, points, colors, single_color);
 }
 
 void rgb32_alpha_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                            const OT_Point* points, const OT_RGB32* colors,
                                            bool single_color) {
-  if (host_pattern(rendition))
-    return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(rgb32_alpha_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  colorized_2d<rgb32_alpha_2di_colorized_polytriangle>(object, rendition, count, points, colors,
+                                                       single_color);
 }
 
 // ---- Depth --------------------------------------------------------------------------
@@ -396,15 +404,12 @@ void z_rgb32_alpha_2di_colorized_polytriangle(OT_Renderer_Data* object, const OT
 
 void z_mapped_2d_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                               const OT_Point* points) {
-  if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
-  round_then(z_mapped_2di_polytriangle, object, rendition, count, points);
+  plain_2d<z_mapped_2di_polytriangle>(object, rendition, count, points);
 }
 
 void z_mapped_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                         const OT_Point* points, const OT_RGB32* colors, bool single_color) {
-  if (host_pattern(rendition))
-    return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(z_mapped_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  colorized_2d<z_mapped_2di_colorized_polytriangle>(object, rendition, count, points, colors, single_color);
 }
 
 void z_rgb32_2di_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -421,30 +426,24 @@ void z_rgb32_alpha_2di_polytriangle(OT_Renderer_Data* object, const OT_Rendition
 
 void z_rgb32_2d_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                              const OT_Point* points) {
-  if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
-  round_then(z_rgb32_2di_polytriangle, object, rendition, count, points);
+  plain_2d<z_rgb32_2di_polytriangle>(object, rendition, count, points);
 }
 
 void z_rgb32_alpha_2d_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                    const OT_Point* points) {
-  if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
-  round_then(z_rgb32_alpha_2di_polytriangle, object, rendition, count, points);
+  plain_2d<z_rgb32_alpha_2di_polytriangle>(object, rendition, count, points);
 }
 
 void z_rgb32_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                        const OT_Point* points, const OT_RGB32* colors, bool single_color) {
-  if (host_pattern(rendition))
-    return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(z_rgb32_2di_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  colorized_2d<z_rgb32_2di_colorized_polytriangle>(object, rendition, count, points, colors, single_color);
 }
 
 void z_rgb32_alpha_2d_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition,
                                              int count, const OT_Point* points, const OT_RGB32* colors,
                                              bool single_color) {
-  if (host_pattern(rendition))
-    return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(z_rgb32_alpha_2di_colorized_polytriangle, object, rendition, count, points, colors,
-             single_color);
+  colorized_2d<z_rgb32_alpha_2di_colorized_polytriangle>(object, rendition, count, points, colors,
+                                                         single_color);
 }
 
 }  // namespace tarn
