@@ -169,6 +169,28 @@ TEST_P(Outline, CallersRenditionKeepsItsOptionsAndTheEdgeBiasIsZeroAgain) {
   EXPECT_EQ(h.depth(20, 20), 100);
 }
 
+std::vector<std::int32_t> bias_during_dots;
+
+void record_bias(OT_Renderer_Data* object, const OT_Rendition&, const OT_DCI_Point*, const OT_RGB32*) {
+  bias_during_dots.push_back(renderer_of(object).edge_depth_bias);
+}
+
+// While the polylines are drawn the renderer's edge bias is the face's depth
+// bias. A polyline whose last point alone is inside the hard clip ends in a
+// call of the dot slot, which sees it.
+TEST_P(Outline, EdgeBiasIsTheFacesWhileThePolylinesAreDrawn) {
+  Renderer_Harness h(GetParam());
+  ask_outline(h);
+  h.rendition().writable_face()->depth_bias = 7;
+  h.set_hard_clip({0, 40, 0, 47});
+  bias_during_dots.clear();
+  h.renderer().draw_dci_dot.function = record_bias;
+  h.renderer().edge_depth_bias = 0;
+  h.draw_2di({{5, 5, 10}, {60, 20, 10}, {10, 30, 10}});
+  EXPECT_EQ(bias_during_dots, (std::vector<std::int32_t>{7}));
+  EXPECT_EQ(h.renderer().edge_depth_bias, 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(Outline, Outline, ::testing::Values(kZRgb32Alpha, kZRgb32), mode_name);
 
 TEST(Outline_Alpha, TranslucentOutlineIsStoredOpaque) {
