@@ -5,6 +5,7 @@
 #include "frame/action_table.h"
 #include "frame/buffer_services.h"
 #include "frame/renderer_options.h"
+#include "primitives/polygons.h"
 #include "tests/tarn_test_support.h"
 #include "triangles/depth_triangles.h"
 #include "triangles/flat_triangles.h"
@@ -678,6 +679,10 @@ TEST_P(Establish_Mode_Table, InstallsTheRowOfTheMode) {
 
   expect_installed(r->draw_dci_polytriangle, row.dci_polytriangle, *r, "draw_dci_polytriangle");
   expect_installed(r->draw_dc_polytriangle, row.dc_polytriangle, *r, "draw_dc_polytriangle");
+  expect_installed(r->draw_2d_polygon, &common_2d_polygon, *r, "draw_2d_polygon");
+  expect_installed(r->draw_dc_polygon, &common_dc_polygon, *r, "draw_dc_polygon");
+  expect_installed(r->draw_2di_polygon, &common_2di_polygon, *r, "draw_2di_polygon");
+  expect_installed(r->draw_dci_polygon, &common_dci_polygon, *r, "draw_dci_polygon");
   expect_installed(r->clear_color, row.clear_color, *r, "clear_color");
   expect_installed(r->read_color_rectangle, row.read_color, *r, "read_color_rectangle");
   expect_installed(r->clear_depth, row.clear_depth, *r, "clear_depth");
