@@ -64,9 +64,10 @@ void fill_words(std::uint32_t* p, std::int64_t n, std::uint32_t value) {
     *p++ = value;
     --n;
   }
-  const std::uint64_t pair = static_cast<std::uint64_t>(value) << 32 | value;
-  for (; n >= 2; n -= 2, p += 2) std::memcpy(p, &pair, sizeof pair);
-  if (n) *p = value;
+  // The pairs as one run the compiler turns into wide stores.
+  const std::int64_t pairs = n / 2;
+  std::fill_n(p, pairs * 2, value);
+  if (n & 1) p[pairs * 2] = value;
 }
 
 void mapped_clear_color(OT_Renderer_Data* object, const OT_Rendition& rendition) {
