@@ -325,28 +325,64 @@ TEST_F(Tool, SavingDepthWithoutADepthBufferIsAnError) {
 }
 
 TEST_F(Tool, RendersTheDemo) {
-  const Outcome result = run({"--output-dir", (dir_ / "demo").string(), TARN_EXAMPLES_DIR "/demo.tarn"});
+  const fs::path out = dir_ / "demo";
+  const Outcome result = run({"--output-dir", out.string(), TARN_EXAMPLES_DIR "/demo.tarn"});
   ASSERT_EQ(result.status, 0) << result.err;
   const std::vector<std::string> lines = lines_of(result.out);
+  auto has = [&](const std::vector<std::string>& printed, const std::string& line) {
+    return std::find(printed.begin(), printed.end(), line) != printed.end();
+  };
   // Where the red and blue bands cross: blue drawn last without depth, red
   // (the nearer) with it.
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "probe 65 192 color=40,170,230,160 depth=65535"),
-            lines.end())
-      << result.out;
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "probe 65 64 color=230,60,50,200 depth=1000"), lines.end())
-      << result.out;
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "probe 65 64 index=39 depth=65535"), lines.end())
-      << result.out;
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "probe 193 64 index=203 depth=1000"), lines.end())
-      << result.out;
-  const Png_Header rgb32 = png_header(dir_ / "demo" / "demo-rgb32.png");
-  EXPECT_EQ(rgb32.width, 256u);
-  EXPECT_EQ(rgb32.height, 256u);
-  const Png_Header depth = png_header(dir_ / "demo" / "demo-depth.png");
+  EXPECT_TRUE(has(lines, "probe 65 428 color=40,170,230,160 depth=65535")) << result.out;
+  EXPECT_TRUE(has(lines, "probe 65 172 color=230,60,50,200 depth=1000")) << result.out;
+  EXPECT_TRUE(has(lines, "probe 65 172 index=39")) << result.out;
+  EXPECT_TRUE(has(lines, "probe 321 172 index=203 depth=1000")) << result.out;
+  const Png_Header rgb32 = png_header(out / "demo-rgb32.png");
+  EXPECT_EQ(rgb32.width, 512u);
+  EXPECT_EQ(rgb32.height, 512u);
+  const Png_Header depth = png_header(out / "demo-depth.png");
   EXPECT_EQ(depth.bit_depth, 16);
-  const Png_Header mapped = png_header(dir_ / "demo" / "demo-mapped.png");
-  EXPECT_EQ(mapped.width, 256u);
-  EXPECT_EQ(mapped.height, 128u);
+  const Png_Header mapped = png_header(out / "demo-mapped.png");
+  EXPECT_EQ(mapped.width, 512u);
+  EXPECT_EQ(mapped.height, 256u);
+
+  // The other example scripts run through and write their pictures.
+  struct Example {
+    const char* name;
+    std::uint32_t width, height;  // of NAME-rgb32.png; NAME-mapped.png is half as high
+  };
+  const Example examples[] = {
+      {"patterns", 800, 300}, {"lines", 512, 400},  {"polygons", 512, 336},
+      {"clipping", 512, 352}, {"layers", 512, 352},
+  };
+  std::vector<std::string> probes;
+  for (const Example& example : examples) {
+    SCOPED_TRACE(example.name);
+    const Outcome other =
+        run({"--output-dir", out.string(), std::string(TARN_EXAMPLES_DIR "/") + example.name + ".tarn"});
+    ASSERT_EQ(other.status, 0) << other.err;
+    for (const std::string& line : lines_of(other.out)) probes.push_back(line);
+    const Png_Header colour = png_header(out / (std::string(example.name) + "-rgb32.png"));
+    EXPECT_EQ(colour.width, example.width);
+    EXPECT_EQ(colour.height, example.height);
+    const Png_Header indexed = png_header(out / (std::string(example.name) + "-mapped.png"));
+    EXPECT_EQ(indexed.width, example.width);
+    EXPECT_EQ(indexed.height, example.height / 2);
+  }
+  // Pattern 16 in z_rgb32: a drawn pixel, a hole that keeps the cleared
+  // depth, a hole in the contrast colour.
+  EXPECT_TRUE(has(probes, "probe 8 40 color=240,210,60,255 depth=300"));
+  EXPECT_TRUE(has(probes, "probe 9 40 color=40,44,52,255 depth=65535"));
+  EXPECT_TRUE(has(probes, "probe 37 40 color=200,50,60,255 depth=300"));
+  // Merge control: cyan and magenta ink make blue, all three black; in the
+  // mapped panel the AND of all three is the palette's black.
+  EXPECT_TRUE(has(probes, "probe 65 266 color=0,0,255,255 depth=65535"));
+  EXPECT_TRUE(has(probes, "probe 65 250 color=0,0,0,255 depth=65535"));
+  EXPECT_TRUE(has(probes, "probe 65 74 index=0"));
+  // Depth bias -2000 brings a square 1000 behind the plate in front of it.
+  EXPECT_TRUE(has(probes, "probe 148 118 color=110,116,130,255 depth=30000"));
+  EXPECT_TRUE(has(probes, "probe 238 118 color=230,60,50,255 depth=29000"));
 }
 
 TEST_F(Tool, EverySlotOfTheTableIsACommand) {
