@@ -23,118 +23,159 @@ Mode select_mode(int buffer_depth, bool direct, bool alpha) {
 
 namespace {
 
-// Rows in slot order. A slot whose function is not written yet stays null,
-// which keeps the host's routine there.
-constexpr Mode_Actions kRgb32AlphaActions{
-    .draw_2d_polytriangle = rgb32_alpha_2d_polytriangle,
-    .draw_dc_polytriangle = rgb32_alpha_dc_polytriangle,
-    .draw_2di_polytriangle = rgb32_alpha_2di_polytriangle,
-    .draw_dci_polytriangle = rgb32_alpha_dci_polytriangle,
-    .draw_2d_colorized_polytriangle = rgb32_alpha_2d_colorized_polytriangle,
-    .draw_dc_colorized_polytriangle = rgb32_alpha_dc_colorized_polytriangle,
-    .draw_2di_colorized_polytriangle = rgb32_alpha_2di_colorized_polytriangle,
-    .draw_dci_colorized_polytriangle = rgb32_alpha_dci_colorized_polytriangle,
-    .draw_2di_polyline = rgb32_alpha_2di_polyline,
-    .draw_dci_polyline = rgb32_alpha_dci_polyline,
-    .draw_dci_colorized_polyline = rgb32_alpha_dci_colorized_polyline,
-    .draw_2di_polymarker = rgb32_alpha_2di_polymarker,
-    .draw_dci_dot = rgb32_alpha_dci_dot,
-    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
-    .clear_depth = no_clear_depth,
-};
+// The cells a mode sets whose renderer function does not exist yet hold the
+// host's routine, so that a change of mode never leaves another mode's
+// function in a slot that this mode sets. `depth` rows set the textured and
+// depth rectangle slots; `marker` rows set the polymarker.
+constexpr Mode_Actions with_host_routines(Mode_Actions row, bool depth, bool marker) {
+  auto fill = [](auto& cell, auto routine) {
+    if (!cell) cell = routine;
+  };
+  fill(row.draw_2d_gouraud_polytriangle, OB_Standard_Draw_2D_Gouraud_Polytriangle);
+  fill(row.draw_dc_gouraud_polytriangle, OB_Standard_Draw_DC_Gouraud_Polytriangle);
+  fill(row.draw_2di_gouraud_polytriangle, OB_Standard_Draw_2DI_Gouraud_Polytriangle);
+  fill(row.draw_dci_gouraud_polytriangle, OB_Standard_Draw_DCI_Gouraud_Polytriangle);
+  if (depth) {
+    fill(row.draw_2d_textured_polytriangle, OB_Standard_Draw_2D_Textured_Polytriangle);
+    fill(row.draw_dc_textured_polytriangle, OB_Standard_Draw_DC_Textured_Polytriangle);
+    fill(row.draw_2di_textured_polytriangle, OB_Standard_Draw_2DI_Textured_Polytriangle);
+    fill(row.draw_dci_textured_polytriangle, OB_Standard_Draw_DCI_Textured_Polytriangle);
+    fill(row.write_depth_rectangle, OB_Standard_Write_Depth_Rectangle);
+    fill(row.read_depth_rectangle, OB_Standard_Read_Depth_Rectangle);
+  }
+  fill(row.draw_2di_colorized_polyline, OB_Standard_Draw_2DI_Colorized_Polyline);
+  fill(row.draw_dci_colorized_polyline, OB_Standard_Draw_DCI_Colorized_Polyline);
+  fill(row.draw_2di_gouraud_polyline, OB_Standard_Draw_2DI_Gouraud_Polyline);
+  fill(row.draw_dci_gouraud_polyline, OB_Standard_Draw_DCI_Gouraud_Polyline);
+  if (marker) fill(row.draw_2di_polymarker, OB_Standard_Draw_2DI_Polymarker);
+  fill(row.draw_dci_rgb32_image, OB_Standard_Draw_DCI_RGB32_Image);
+  fill(row.draw_dci_index8_image, OB_Standard_Draw_DCI_Index8_Image);
+  return row;
+}
 
-constexpr Mode_Actions kRgb32Actions{
-    .draw_2d_polytriangle = rgb32_2d_polytriangle,
-    .draw_dc_polytriangle = rgb32_dc_polytriangle,
-    .draw_2di_polytriangle = rgb32_2di_polytriangle,
-    .draw_dci_polytriangle = rgb32_dci_polytriangle,
-    .draw_2d_colorized_polytriangle = rgb32_2d_colorized_polytriangle,
-    .draw_dc_colorized_polytriangle = rgb32_dc_colorized_polytriangle,
-    .draw_2di_colorized_polytriangle = rgb32_2di_colorized_polytriangle,
-    .draw_dci_colorized_polytriangle = rgb32_dci_colorized_polytriangle,
-    .draw_2di_polyline = rgb32_2di_polyline,
-    .draw_dci_polyline = rgb32_dci_polyline,
-    .draw_dci_colorized_polyline = rgb32_dci_colorized_polyline,
-    .draw_2di_polymarker = rgb32_2di_polymarker,
-    .draw_dci_dot = rgb32_dci_dot,
-    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
-    .clear_depth = no_clear_depth,
-};
+// Rows in slot order.
+constexpr Mode_Actions kRgb32AlphaActions = with_host_routines(
+    Mode_Actions{
+        .draw_2d_polytriangle = rgb32_alpha_2d_polytriangle,
+        .draw_dc_polytriangle = rgb32_alpha_dc_polytriangle,
+        .draw_2di_polytriangle = rgb32_alpha_2di_polytriangle,
+        .draw_dci_polytriangle = rgb32_alpha_dci_polytriangle,
+        .draw_2d_colorized_polytriangle = rgb32_alpha_2d_colorized_polytriangle,
+        .draw_dc_colorized_polytriangle = rgb32_alpha_dc_colorized_polytriangle,
+        .draw_2di_colorized_polytriangle = rgb32_alpha_2di_colorized_polytriangle,
+        .draw_dci_colorized_polytriangle = rgb32_alpha_dci_colorized_polytriangle,
+        .draw_2di_polyline = rgb32_alpha_2di_polyline,
+        .draw_dci_polyline = rgb32_alpha_dci_polyline,
+        .draw_dci_colorized_polyline = rgb32_alpha_dci_colorized_polyline,
+        .draw_2di_polymarker = rgb32_alpha_2di_polymarker,
+        .draw_dci_dot = rgb32_alpha_dci_dot,
+        .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+        .clear_depth = no_clear_depth,
+    },
+    false, true);
 
-constexpr Mode_Actions kMappedActions{
-    .draw_2d_polytriangle = mapped_2d_polytriangle,
-    .draw_dc_polytriangle = mapped_dc_polytriangle,
-    .draw_2di_polytriangle = mapped_2di_polytriangle,
-    .draw_dci_polytriangle = mapped_dci_polytriangle,
-    .draw_2d_colorized_polytriangle = mapped_2d_colorized_polytriangle,
-    .draw_dc_colorized_polytriangle = mapped_dc_colorized_polytriangle,
-    .draw_2di_colorized_polytriangle = mapped_2di_colorized_polytriangle,
-    .draw_dci_colorized_polytriangle = mapped_dci_colorized_polytriangle,
-    .draw_2di_polyline = mapped_2di_polyline,
-    .draw_dci_polyline = mapped_dci_polyline,
-    .draw_2di_polymarker = mapped_2di_polymarker,
-    .draw_dci_dot = mapped_dci_dot,
-    .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
-    .clear_depth = no_clear_depth,
-};
+constexpr Mode_Actions kRgb32Actions = with_host_routines(
+    Mode_Actions{
+        .draw_2d_polytriangle = rgb32_2d_polytriangle,
+        .draw_dc_polytriangle = rgb32_dc_polytriangle,
+        .draw_2di_polytriangle = rgb32_2di_polytriangle,
+        .draw_dci_polytriangle = rgb32_dci_polytriangle,
+        .draw_2d_colorized_polytriangle = rgb32_2d_colorized_polytriangle,
+        .draw_dc_colorized_polytriangle = rgb32_dc_colorized_polytriangle,
+        .draw_2di_colorized_polytriangle = rgb32_2di_colorized_polytriangle,
+        .draw_dci_colorized_polytriangle = rgb32_dci_colorized_polytriangle,
+        .draw_2di_polyline = rgb32_2di_polyline,
+        .draw_dci_polyline = rgb32_dci_polyline,
+        .draw_dci_colorized_polyline = rgb32_dci_colorized_polyline,
+        .draw_2di_polymarker = rgb32_2di_polymarker,
+        .draw_dci_dot = rgb32_dci_dot,
+        .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+        .clear_depth = no_clear_depth,
+    },
+    false, true);
 
-constexpr Mode_Actions kZMappedActions{
-    .draw_2d_polytriangle = z_mapped_2d_polytriangle,
-    .draw_dc_polytriangle = z_mapped_dc_polytriangle,
-    .draw_2di_polytriangle = z_mapped_2di_polytriangle,
-    .draw_dci_polytriangle = z_mapped_dci_polytriangle,
-    .draw_2d_colorized_polytriangle = z_mapped_2d_colorized_polytriangle,
-    .draw_dc_colorized_polytriangle = z_mapped_dc_colorized_polytriangle,
-    .draw_2di_colorized_polytriangle = z_mapped_2di_colorized_polytriangle,
-    .draw_dci_colorized_polytriangle = z_mapped_dci_colorized_polytriangle,
-    .draw_2di_polyline = z_mapped_2di_polyline,
-    .draw_dci_polyline = z_mapped_dci_polyline,
-    .draw_dci_dot = z_mapped_dci_dot,
-    .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
-    .write_depth_rectangle = z_write_depth_rectangle,
-    .read_depth_rectangle = z_read_depth_rectangle,
-    .clear_depth = z_clear_depth,
-};
+constexpr Mode_Actions kMappedActions = with_host_routines(
+    Mode_Actions{
+        .draw_2d_polytriangle = mapped_2d_polytriangle,
+        .draw_dc_polytriangle = mapped_dc_polytriangle,
+        .draw_2di_polytriangle = mapped_2di_polytriangle,
+        .draw_dci_polytriangle = mapped_dci_polytriangle,
+        .draw_2d_colorized_polytriangle = mapped_2d_colorized_polytriangle,
+        .draw_dc_colorized_polytriangle = mapped_dc_colorized_polytriangle,
+        .draw_2di_colorized_polytriangle = mapped_2di_colorized_polytriangle,
+        .draw_dci_colorized_polytriangle = mapped_dci_colorized_polytriangle,
+        .draw_2di_polyline = mapped_2di_polyline,
+        .draw_dci_polyline = mapped_dci_polyline,
+        .draw_2di_polymarker = mapped_2di_polymarker,
+        .draw_dci_dot = mapped_dci_dot,
+        .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
+        .clear_depth = no_clear_depth,
+    },
+    false, true);
 
-constexpr Mode_Actions kZRgb32AlphaActions{
-    .draw_2d_polytriangle = z_rgb32_alpha_2d_polytriangle,
-    .draw_dc_polytriangle = z_rgb32_alpha_dc_polytriangle,
-    .draw_2di_polytriangle = z_rgb32_alpha_2di_polytriangle,
-    .draw_dci_polytriangle = z_rgb32_alpha_dci_polytriangle,
-    .draw_2d_colorized_polytriangle = z_rgb32_alpha_2d_colorized_polytriangle,
-    .draw_dc_colorized_polytriangle = z_rgb32_alpha_dc_colorized_polytriangle,
-    .draw_2di_colorized_polytriangle = z_rgb32_alpha_2di_colorized_polytriangle,
-    .draw_dci_colorized_polytriangle = z_rgb32_alpha_dci_colorized_polytriangle,
-    .draw_2di_polyline = z_rgb32_alpha_2di_polyline,
-    .draw_dci_polyline = z_rgb32_alpha_dci_polyline,
-    .draw_dci_colorized_polyline = z_rgb32_alpha_dci_colorized_polyline,
-    .draw_2di_polymarker = z_rgb32_alpha_2di_polymarker,
-    .draw_dci_dot = z_rgb32_alpha_dci_dot,
-    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
-    .write_depth_rectangle = z_write_depth_rectangle,
-    .read_depth_rectangle = z_read_depth_rectangle,
-    .clear_depth = z_clear_depth,
-};
+constexpr Mode_Actions kZMappedActions = with_host_routines(
+    Mode_Actions{
+        .draw_2d_polytriangle = z_mapped_2d_polytriangle,
+        .draw_dc_polytriangle = z_mapped_dc_polytriangle,
+        .draw_2di_polytriangle = z_mapped_2di_polytriangle,
+        .draw_dci_polytriangle = z_mapped_dci_polytriangle,
+        .draw_2d_colorized_polytriangle = z_mapped_2d_colorized_polytriangle,
+        .draw_dc_colorized_polytriangle = z_mapped_dc_colorized_polytriangle,
+        .draw_2di_colorized_polytriangle = z_mapped_2di_colorized_polytriangle,
+        .draw_dci_colorized_polytriangle = z_mapped_dci_colorized_polytriangle,
+        .draw_2di_polyline = z_mapped_2di_polyline,
+        .draw_dci_polyline = z_mapped_dci_polyline,
+        .draw_dci_dot = z_mapped_dci_dot,
+        .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
+        .write_depth_rectangle = z_write_depth_rectangle,
+        .read_depth_rectangle = z_read_depth_rectangle,
+        .clear_depth = z_clear_depth,
+    },
+    true, false);
 
-constexpr Mode_Actions kZRgb32Actions{
-    .draw_2d_polytriangle = z_rgb32_2d_polytriangle,
-    .draw_dc_polytriangle = z_rgb32_dc_polytriangle,
-    .draw_2di_polytriangle = z_rgb32_2di_polytriangle,
-    .draw_dci_polytriangle = z_rgb32_dci_polytriangle,
-    .draw_2d_colorized_polytriangle = z_rgb32_2d_colorized_polytriangle,
-    .draw_dc_colorized_polytriangle = z_rgb32_dc_colorized_polytriangle,
-    .draw_2di_colorized_polytriangle = z_rgb32_2di_colorized_polytriangle,
-    .draw_dci_colorized_polytriangle = z_rgb32_dci_colorized_polytriangle,
-    .draw_2di_polyline = z_rgb32_2di_polyline,
-    .draw_dci_polyline = z_rgb32_dci_polyline,
-    .draw_dci_colorized_polyline = z_rgb32_dci_colorized_polyline,
-    .draw_2di_polymarker = z_rgb32_2di_polymarker,
-    .draw_dci_dot = z_rgb32_dci_dot,
-    .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
-    .write_depth_rectangle = z_write_depth_rectangle,
-    .read_depth_rectangle = z_read_depth_rectangle,
-    .clear_depth = z_clear_depth,
-};
+constexpr Mode_Actions kZRgb32AlphaActions = with_host_routines(
+    Mode_Actions{
+        .draw_2d_polytriangle = z_rgb32_alpha_2d_polytriangle,
+        .draw_dc_polytriangle = z_rgb32_alpha_dc_polytriangle,
+        .draw_2di_polytriangle = z_rgb32_alpha_2di_polytriangle,
+        .draw_dci_polytriangle = z_rgb32_alpha_dci_polytriangle,
+        .draw_2d_colorized_polytriangle = z_rgb32_alpha_2d_colorized_polytriangle,
+        .draw_dc_colorized_polytriangle = z_rgb32_alpha_dc_colorized_polytriangle,
+        .draw_2di_colorized_polytriangle = z_rgb32_alpha_2di_colorized_polytriangle,
+        .draw_dci_colorized_polytriangle = z_rgb32_alpha_dci_colorized_polytriangle,
+        .draw_2di_polyline = z_rgb32_alpha_2di_polyline,
+        .draw_dci_polyline = z_rgb32_alpha_dci_polyline,
+        .draw_dci_colorized_polyline = z_rgb32_alpha_dci_colorized_polyline,
+        .draw_2di_polymarker = z_rgb32_alpha_2di_polymarker,
+        .draw_dci_dot = z_rgb32_alpha_dci_dot,
+        .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+        .write_depth_rectangle = z_write_depth_rectangle,
+        .read_depth_rectangle = z_read_depth_rectangle,
+        .clear_depth = z_clear_depth,
+    },
+    true, true);
+
+constexpr Mode_Actions kZRgb32Actions = with_host_routines(
+    Mode_Actions{
+        .draw_2d_polytriangle = z_rgb32_2d_polytriangle,
+        .draw_dc_polytriangle = z_rgb32_dc_polytriangle,
+        .draw_2di_polytriangle = z_rgb32_2di_polytriangle,
+        .draw_dci_polytriangle = z_rgb32_dci_polytriangle,
+        .draw_2d_colorized_polytriangle = z_rgb32_2d_colorized_polytriangle,
+        .draw_dc_colorized_polytriangle = z_rgb32_dc_colorized_polytriangle,
+        .draw_2di_colorized_polytriangle = z_rgb32_2di_colorized_polytriangle,
+        .draw_dci_colorized_polytriangle = z_rgb32_dci_colorized_polytriangle,
+        .draw_2di_polyline = z_rgb32_2di_polyline,
+        .draw_dci_polyline = z_rgb32_dci_polyline,
+        .draw_dci_colorized_polyline = z_rgb32_dci_colorized_polyline,
+        .draw_2di_polymarker = z_rgb32_2di_polymarker,
+        .draw_dci_dot = z_rgb32_dci_dot,
+        .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
+        .write_depth_rectangle = z_write_depth_rectangle,
+        .read_depth_rectangle = z_read_depth_rectangle,
+        .clear_depth = z_clear_depth,
+    },
+    true, true);
 
 constexpr const Mode_Actions* kModeTable[] = {&kRgb32AlphaActions, &kRgb32Actions,       &kMappedActions,
                                               &kZMappedActions,    &kZRgb32AlphaActions, &kZRgb32Actions};
@@ -168,7 +209,16 @@ void install_actions(Software_Z_Buffer& r, bool tiling) {
     r.clear_color.install(&r, mapped_clear_color);
     r.read_color_rectangle.install(&r, mapped_read_color_rectangle);
   }
-  (void)tiling;  // the tiled actions are not written yet
+  // The tiled actions are the host's until the renderer has its own.
+  if (tiling) {
+    r.draw_tiled_polytriangle.install(&r, OB_Standard_Draw_Tiled_Polytriangle);
+    r.draw_tiled_colorized_polytriangle.install(&r, OB_Standard_Draw_Tiled_Colorized_Polytriangle);
+    r.draw_tiled_gouraud_polytriangle.install(&r, OB_Standard_Draw_Tiled_Gouraud_Polytriangle);
+    r.draw_tiled_textured_polytriangle.install(&r, OB_Standard_Draw_Tiled_Textured_Polytriangle);
+    r.draw_tiled_polyline.install(&r, OB_Standard_Draw_Tiled_Polyline);
+    r.draw_tiled_colorized_polyline.install(&r, OB_Standard_Draw_Tiled_Colorized_Polyline);
+    r.draw_tiled_gouraud_polyline.install(&r, OB_Standard_Draw_Tiled_Gouraud_Polyline);
+  }
 }
 
 }  // namespace tarn

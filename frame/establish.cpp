@@ -22,10 +22,12 @@ int closest_index(const OT_Palette& palette, const OT_RGB32& color) {
 
 }  // namespace
 
+namespace {
+
 // Works out the merge background and an alternate near it that the palette
 // can tell apart from it: channels walk by 5 away from their ends until
 // closest_match gives another index, 103 passes at most.
-static void derive_merge_colors(Software_Z_Buffer& r, const OT_Palette& palette) {
+void derive_merge_colors(Software_Z_Buffer& r, const OT_Palette& palette) {
   const std::int32_t* rgb = r.current_handles.merge_control_background_color->as_color();
   const byte red = static_cast<byte>(rgb[0]), green = static_cast<byte>(rgb[1]), blue = static_cast<byte>(rgb[2]);
   r.merge_color = OT_RGB32{blue, green, red, 255};
@@ -49,6 +51,8 @@ static void derive_merge_colors(Software_Z_Buffer& r, const OT_Palette& palette)
     r.merge_alternate_index = static_cast<byte>(closest_index(palette, probe));
   }
 }
+
+}  // namespace
 
 int Software_Z_Buffer::establish() {
   const OT_Renderer_Options& options = *current_renderer_options();
@@ -96,6 +100,12 @@ int Software_Z_Buffer::establish() {
     }
     mask_cache->empty();
   } else if (mask_cache) {
+    // A cache that dies with this reference must not stay named by the
+    // option, or a later "Use Mask" would take up freed memory.
+    if (mask_cache->count.load() == 1 && current_handles.mask_cache->as_pointer() == mask_cache.get()) {
+      requested_handles.mask_cache->set(OT_Option_Value(static_cast<const void*>(nullptr)));
+      update_current_options();
+    }
     mask_cache.reset();
   }
 

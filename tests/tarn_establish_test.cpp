@@ -756,3 +756,71 @@ INSTANTIATE_TEST_SUITE_P(Establish, Establish_After_Depth,
 
 }  // namespace
 }  // namespace tarn::testing
+
+namespace tarn::testing {
+namespace {
+
+void establish_mode(Software_Z_Buffer& r, const Mode_Case& mode) {
+  OT_Renderer_Options& o = r.requested_renderer_options;
+  o.set_window_size({32, 32});
+  o.set_buffer_depth(mode.buffer_depth);
+  o.set_color_system(mode.color_system);
+  o.set_alpha_blending(mode.alpha);
+  r.update_current_options();
+  r.establish();
+}
+
+// A slot the mode sets, whose renderer function does not exist yet, holds
+// the host's routine rather than the function of the mode before.
+TEST(Establish_Pending, SlotsAwaitingTheirFunctionHoldTheHostsRoutine) {
+  Renderer_Pointer r = make_renderer();
+  establish_mode(*r, kAllModes[5]);  // z_rgb32: its colorized polyline is the renderer's
+  EXPECT_NE(r->draw_dci_colorized_polyline.function, &OB_Standard_Draw_DCI_Colorized_Polyline);
+  establish_mode(*r, kAllModes[2]);  // mapped
+  EXPECT_EQ(r->draw_dci_colorized_polyline.function, &OB_Standard_Draw_DCI_Colorized_Polyline);
+  EXPECT_EQ(r->draw_dci_gouraud_polytriangle.function, &OB_Standard_Draw_DCI_Gouraud_Polytriangle);
+  EXPECT_EQ(r->draw_dci_index8_image.function, &OB_Standard_Draw_DCI_Index8_Image);
+  EXPECT_EQ(r->draw_dci_colorized_polyline.object, r.get());
+}
+
+TEST(Establish_Pending, TilingInstallsTheHostsTiledRoutines) {
+  Renderer_Pointer r = make_renderer();
+  r->requested_options.find(L"Enable Tiling")->set(OT_Option_Value::of_bool(true));
+  establish_mode(*r, kAllModes[1]);
+  EXPECT_EQ(r->draw_tiled_polyline.function, &OB_Standard_Draw_Tiled_Polyline);
+  EXPECT_EQ(r->draw_tiled_polyline.object, r.get());
+  EXPECT_EQ(r->draw_tiled_polyline.valid, 1);
+}
+
+// Turning "Use Mask" off drops the renderer's own cache, and with it the
+// option's name for it: turning it on again makes a new cache.
+TEST(Establish_Mask, OffAndOnAgainMakesANewCacheAndNamesNoFreedOne) {
+  Renderer_Pointer r = make_renderer();
+  auto use_mask = [&](bool on) {
+    r->requested_options.find(L"Use Mask")->set(OT_Option_Value::of_bool(on));
+    establish_mode(*r, kAllModes[1]);
+  };
+  use_mask(true);
+  ASSERT_TRUE(r->mask_cache);
+  use_mask(false);
+  EXPECT_FALSE(r->mask_cache);
+  EXPECT_EQ(r->current_handles.mask_cache->as_pointer(), nullptr);
+  use_mask(true);
+  ASSERT_TRUE(r->mask_cache);
+  EXPECT_EQ(r->current_handles.mask_cache->as_pointer(), r->mask_cache.get());
+  EXPECT_EQ(r->mask_cache->count.load(), 1u);
+}
+
+// A cache that others still hold stays named.
+TEST(Establish_Mask, OffKeepsNamingASharedCache) {
+  Renderer_Pointer r = make_renderer();
+  r->requested_options.find(L"Use Mask")->set(OT_Option_Value::of_bool(true));
+  establish_mode(*r, kAllModes[1]);
+  OT_Handle<Mask_Cache_Data> shared(r->mask_cache.get());
+  r->requested_options.find(L"Use Mask")->set(OT_Option_Value::of_bool(false));
+  establish_mode(*r, kAllModes[1]);
+  EXPECT_EQ(r->current_handles.mask_cache->as_pointer(), shared.get());
+}
+
+}  // namespace
+}  // namespace tarn::testing
