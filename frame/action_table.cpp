@@ -27,7 +27,7 @@ namespace {
 // host's routine, so that a change of mode never leaves another mode's
 // function in a slot that this mode sets. `depth` rows set the textured and
 // depth rectangle slots; `marker` rows set the polymarker.
-constexpr Mode_Actions with_host_routines(Mode_Actions row, bool depth, bool marker) {
+Mode_Actions with_host_routines(Mode_Actions row, bool depth, bool marker) {
   auto fill = [](auto& cell, auto routine) {
     if (!cell) cell = routine;
   };
@@ -54,7 +54,7 @@ constexpr Mode_Actions with_host_routines(Mode_Actions row, bool depth, bool mar
 }
 
 // Rows in slot order.
-constexpr Mode_Actions kRgb32AlphaActions = with_host_routines(
+const Mode_Actions kRgb32AlphaActions = with_host_routines(
     Mode_Actions{
         .draw_2d_polytriangle = rgb32_alpha_2d_polytriangle,
         .draw_dc_polytriangle = rgb32_alpha_dc_polytriangle,
@@ -74,7 +74,7 @@ constexpr Mode_Actions kRgb32AlphaActions = with_host_routines(
     },
     false, true);
 
-constexpr Mode_Actions kRgb32Actions = with_host_routines(
+const Mode_Actions kRgb32Actions = with_host_routines(
     Mode_Actions{
         .draw_2d_polytriangle = rgb32_2d_polytriangle,
         .draw_dc_polytriangle = rgb32_dc_polytriangle,
@@ -94,7 +94,7 @@ constexpr Mode_Actions kRgb32Actions = with_host_routines(
     },
     false, true);
 
-constexpr Mode_Actions kMappedActions = with_host_routines(
+const Mode_Actions kMappedActions = with_host_routines(
     Mode_Actions{
         .draw_2d_polytriangle = mapped_2d_polytriangle,
         .draw_dc_polytriangle = mapped_dc_polytriangle,
@@ -113,7 +113,7 @@ constexpr Mode_Actions kMappedActions = with_host_routines(
     },
     false, true);
 
-constexpr Mode_Actions kZMappedActions = with_host_routines(
+const Mode_Actions kZMappedActions = with_host_routines(
     Mode_Actions{
         .draw_2d_polytriangle = z_mapped_2d_polytriangle,
         .draw_dc_polytriangle = z_mapped_dc_polytriangle,
@@ -133,7 +133,7 @@ constexpr Mode_Actions kZMappedActions = with_host_routines(
     },
     true, false);
 
-constexpr Mode_Actions kZRgb32AlphaActions = with_host_routines(
+const Mode_Actions kZRgb32AlphaActions = with_host_routines(
     Mode_Actions{
         .draw_2d_polytriangle = z_rgb32_alpha_2d_polytriangle,
         .draw_dc_polytriangle = z_rgb32_alpha_dc_polytriangle,
@@ -155,7 +155,7 @@ constexpr Mode_Actions kZRgb32AlphaActions = with_host_routines(
     },
     true, true);
 
-constexpr Mode_Actions kZRgb32Actions = with_host_routines(
+const Mode_Actions kZRgb32Actions = with_host_routines(
     Mode_Actions{
         .draw_2d_polytriangle = z_rgb32_2d_polytriangle,
         .draw_dc_polytriangle = z_rgb32_dc_polytriangle,
@@ -177,7 +177,7 @@ constexpr Mode_Actions kZRgb32Actions = with_host_routines(
     },
     true, true);
 
-constexpr const Mode_Actions* kModeTable[] = {&kRgb32AlphaActions, &kRgb32Actions,       &kMappedActions,
+const Mode_Actions* const kModeTable[] = {&kRgb32AlphaActions, &kRgb32Actions,       &kMappedActions,
                                               &kZMappedActions,    &kZRgb32AlphaActions, &kZRgb32Actions};
 static_assert(std::size(kModeTable) == kModeCount, "one row a mode");
 

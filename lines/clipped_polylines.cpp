@@ -7,15 +7,12 @@
 #include "lines/line_writers.h"
 #include "lines/segment_clipper.h"
 #include "lines/thin_polylines.h"
+#include "pixel/entry_tests.h"
 #include "pixel/mask.h"
 #include "triangles/clip_path.h"
 
 namespace tarn {
 namespace {
-
-bool host_line(const OT_Rendition& rendition) {
-  return rendition->line->pattern != 0 || rendition->line->weight > 1;
-}
 
 // The clipped walker of one crossing segment. Positions are in device space;
 // the origin comes off only where a pixel is addressed.
@@ -161,7 +158,6 @@ void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int 
   }
 }
 
-bool nothing_to_draw(const Software_Z_Buffer& r, int count) { return !r.color_image || count < 2; }
 
 }  // namespace
 

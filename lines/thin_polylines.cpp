@@ -6,16 +6,12 @@
 #include <type_traits>
 #include "pixel/blend.h"
 #include "pixel/depth_test.h"
+#include "pixel/entry_tests.h"
 #include "pixel/mask.h"
 #include "pixel/merge.h"
 
 namespace tarn {
 namespace {
-
-// Wide and patterned lines are the host's.
-bool host_line(const OT_Rendition& rendition) {
-  return rendition->line->pattern != 0 || rendition->line->weight > 1;
-}
 
 // ---- The polyline ----------------------------------------------------------------
 

@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "frame/software_z_buffer.h"
+#include "pixel/entry_tests.h"
 #include "pixel/mask.h"
 #include "pixel/rounding.h"
 #include "triangles/clip_path.h"
@@ -15,10 +16,6 @@
 namespace tarn {
 namespace {
 
-bool depth_off(const OT_Rendition& rendition) { return rendition->device->depth_enabled == 0; }
-bool alpha_path(const OT_Rendition& rendition) {
-  return (rendition->raster->advanced_options & OT_Advanced_Alpha_Path) != 0;
-}
 
 // What every clipped action knows once its own tests are passed.
 struct Clip_Call {
@@ -95,22 +92,9 @@ struct Clip_Call {
   }
 };
 
-bool nothing_to_draw(const Software_Z_Buffer& r, int count) { return !r.color_image || count < 2; }
 
 const OT_RGB32* colors_from(const OT_RGB32* colors, bool single_color, int first) {
   return single_color ? colors : colors + first;
-}
-
-// The 2D forms: all three coordinates rounded, then the 2DI form.
-template <class... Rest>
-void round_then(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*,
-                                     Rest...),
-                OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
-                Rest... rest) {
-  if (nothing_to_draw(renderer_of(object), count)) return;
-  Point_Buffer buffer(count);
-  round_points(points, count, buffer.data());
-  integer_form(object, rendition, count, buffer.data(), rest...);
 }
 
 // The colour of triangle p of a list.
@@ -121,7 +105,8 @@ OT_RGB32 color_of(const OT_RGB32* colors, bool single_color, int p) { return col
 template <auto Integer_Form>
 void plain_2d(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polytriangle(object, rendition, count, points);
-  round_then(Integer_Form, object, rendition, count, points);
+  if (nothing_to_draw(renderer_of(object), count)) return;
+  run_rounded<true>(Integer_Form, object, rendition, count, points);
 }
 
 template <auto Integer_Form>
@@ -129,7 +114,8 @@ void colorized_2d(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
                   const OT_RGB32* colors, bool single_color) {
   if (host_pattern(rendition))
     return OB_Standard_Draw_2D_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  round_then(Integer_Form, object, rendition, count, points, colors, single_color);
+  if (nothing_to_draw(renderer_of(object), count)) return;
+  run_rounded<true>(Integer_Form, object, rendition, count, points, colors, single_color);
 }
 
 }  // namespace

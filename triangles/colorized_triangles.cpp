@@ -1,7 +1,7 @@
 #include "triangles/colorized_triangles.h"
 
+#include "pixel/entry_tests.h"
 #include "pixel/mask.h"
-#include "pixel/rounding.h"
 #include "triangles/depth_fill.h"
 #include "triangles/span_fillers.h"
 
@@ -35,18 +35,6 @@ class Dither_Per_Triangle {
   Dither_Thresholds state_{0, 0, 0, 0, 0, 0, 0};
 };
 
-template <class... Rest>
-void run_rounded(bool with_z,
-                 void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, Rest...),
-                 OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
-                 Rest... rest) {
-  Point_Buffer buffer(count);
-  if (with_z)
-    round_points(points, count, buffer.data());
-  else
-    round_points_xy(points, count, buffer.data());
-  integer_form(object, rendition, count, buffer.data(), rest...);
-}
 
 }  // namespace
 
@@ -70,7 +58,7 @@ void mapped_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Renditi
                                       const OT_Point* points, const OT_RGB32* colors, bool single_color) {
   if (host_pattern(rendition))
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  run_rounded(false, mapped_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  run_rounded<false>(mapped_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
 // The test first, then depth, then the dithered index.
@@ -98,7 +86,7 @@ void z_mapped_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendi
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (rendition->device->depth_enabled == 0)
     return mapped_dc_colorized_polytriangle(object, rendition, count, points, colors, single_color);
-  run_rounded(true, z_mapped_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  run_rounded<true>(z_mapped_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
 }  // namespace tarn

@@ -1,8 +1,8 @@
 #include "triangles/depth_triangles.h"
 
 #include "frame/software_z_buffer.h"
+#include "pixel/entry_tests.h"
 #include "pixel/mask.h"
-#include "pixel/rounding.h"
 #include "triangles/colorized_triangles.h"
 #include "triangles/depth_fill.h"
 #include "triangles/flat_triangles.h"
@@ -11,20 +11,7 @@
 namespace tarn {
 namespace {
 
-bool depth_off(const OT_Rendition& rendition) { return rendition->device->depth_enabled == 0; }
-bool alpha_path(const OT_Rendition& rendition) {
-  return (rendition->raster->advanced_options & OT_Advanced_Alpha_Path) != 0;
-}
 
-// The float forms of the depth modes round z too.
-template <class... Rest>
-void run_rounded(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, Rest...),
-                 OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
-                 Rest... rest) {
-  Point_Buffer buffer(count);
-  round_points(points, count, buffer.data());
-  integer_form(object, rendition, count, buffer.data(), rest...);
-}
 
 }  // namespace
 
@@ -48,7 +35,7 @@ void z_mapped_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rend
                               const OT_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DC_Polytriangle(object, rendition, count, points);
   if (depth_off(rendition)) return mapped_dc_polytriangle(object, rendition, count, points);
-  run_rounded(z_mapped_dci_polytriangle, object, rendition, count, points);
+  run_rounded<true>(z_mapped_dci_polytriangle, object, rendition, count, points);
 }
 
 void z_rgb32_dci_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -105,7 +92,7 @@ void z_rgb32_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendit
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (depth_off(rendition))
     return rgb32_dc_colorized_polytriangle(object, rendition, count, points, colors, single_color);
-  run_rounded(z_rgb32_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  run_rounded<true>(z_rgb32_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
 void z_rgb32_alpha_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -114,7 +101,7 @@ void z_rgb32_alpha_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   if (depth_off(rendition))
     return rgb32_alpha_dc_colorized_polytriangle(object, rendition, count, points, colors, single_color);
-  run_rounded(z_rgb32_alpha_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  run_rounded<true>(z_rgb32_alpha_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
 void z_rgb32_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -134,14 +121,14 @@ void z_rgb32_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendi
                              const OT_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DC_Polytriangle(object, rendition, count, points);
   if (depth_off(rendition)) return rgb32_dc_polytriangle(object, rendition, count, points);
-  run_rounded(z_rgb32_dci_polytriangle, object, rendition, count, points);
+  run_rounded<true>(z_rgb32_dci_polytriangle, object, rendition, count, points);
 }
 
 void z_rgb32_alpha_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                    const OT_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DC_Polytriangle(object, rendition, count, points);
   if (depth_off(rendition)) return rgb32_alpha_dc_polytriangle(object, rendition, count, points);
-  run_rounded(z_rgb32_alpha_dci_polytriangle, object, rendition, count, points);
+  run_rounded<true>(z_rgb32_alpha_dci_polytriangle, object, rendition, count, points);
 }
 
 }  // namespace tarn

@@ -1,8 +1,8 @@
 #include "triangles/flat_triangles.h"
 
 #include "frame/software_z_buffer.h"
+#include "pixel/entry_tests.h"
 #include "pixel/mask.h"
-#include "pixel/rounding.h"
 #include "triangles/span_fillers.h"
 
 #include <type_traits>
@@ -10,20 +10,7 @@
 namespace tarn {
 namespace {
 
-bool alpha_path(const OT_Rendition& rendition) {
-  return (rendition->raster->advanced_options & OT_Advanced_Alpha_Path) != 0;
-}
 
-// The float forms: x and y rounded into the call's frame (or the heap beyond
-// 64 points), then the integer form. z is never read without depth.
-template <class... Rest>
-void run_rounded_xy(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, Rest...),
-                    OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
-                    Rest... rest) {
-  Point_Buffer buffer(count);
-  round_points_xy(points, count, buffer.data());
-  integer_form(object, rendition, count, buffer.data(), rest...);
-}
 
 // Solid RGB32 spans of the alpha filler: plain store (or merge) where the
 // colour is opaque, the exact blend elsewhere; rows outside the image are
@@ -96,7 +83,7 @@ void mapped_dci_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendi
 void mapped_dc_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                             const OT_Point* points) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DC_Polytriangle(object, rendition, count, points);
-  run_rounded_xy(mapped_dci_polytriangle, object, rendition, count, points);
+  run_rounded<false>(mapped_dci_polytriangle, object, rendition, count, points);
 }
 
 // ---- RGB32 -------------------------------------------------------------------
@@ -156,14 +143,14 @@ void rgb32_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Renditio
     return rgb32_alpha_dc_colorized_polytriangle(object, rendition, count, points, colors, single_color);
   if (host_pattern(rendition))
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  run_rounded_xy(rgb32_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  run_rounded<false>(rgb32_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
 void rgb32_alpha_dc_colorized_polytriangle(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                            const OT_Point* points, const OT_RGB32* colors, bool single_color) {
   if (host_pattern(rendition))
     return OB_Standard_Draw_DC_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
-  run_rounded_xy(rgb32_alpha_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
+  run_rounded<false>(rgb32_alpha_dci_colorized_polytriangle, object, rendition, count, points, colors, single_color);
 }
 
 // A flat strip in the RGB32 modes is a filler with one colour.

@@ -1,0 +1,41 @@
+// The tests at the entry of the actions that hand a call on unchanged, and
+// the rounding of the float forms into their integer forms.
+#pragma once
+
+#include "frame/software_z_buffer.h"
+#include "pixel/rounding.h"
+
+namespace tarn {
+
+// Depth-buffered actions hand over to the same shape without depth.
+inline bool depth_off(const OT_Rendition& rendition) { return rendition->device->depth_enabled == 0; }
+
+// advanced_options bit value 8: colour through the alpha path.
+inline bool alpha_path(const OT_Rendition& rendition) {
+  return (rendition->raster->advanced_options & OT_Advanced_Alpha_Path) != 0;
+}
+
+// The clipping forms return at once without an image or a real list.
+inline bool nothing_to_draw(const Software_Z_Buffer& r, int count) { return !r.color_image || count < 2; }
+
+// Wide and patterned lines are the host's.
+inline bool host_line(const OT_Rendition& rendition) {
+  return rendition->line->pattern != 0 || rendition->line->weight > 1;
+}
+
+// A float form: the points rounded into the call's frame (or the heap
+// beyond 64 points), then the integer form with the same further arguments.
+// Forms without depth never read z, and leave it unconverted.
+template <bool kWithZ, class... Rest>
+void run_rounded(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, Rest...),
+                 OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
+                 Rest... rest) {
+  Point_Buffer buffer(count);
+  if constexpr (kWithZ)
+    round_points(points, count, buffer.data());
+  else
+    round_points_xy(points, count, buffer.data());
+  integer_form(object, rendition, count, buffer.data(), rest...);
+}
+
+}  // namespace tarn
