@@ -20,10 +20,6 @@ int closest_index(const OT_Palette& palette, const OT_RGB32& color) {
   return palette ? palette.closest_match(color, false) : 0;
 }
 
-}  // namespace
-
-namespace {
-
 // Works out the merge background and an alternate near it that the palette
 // can tell apart from it: channels walk by 5 away from their ends until
 // closest_match gives another index, 103 passes at most.

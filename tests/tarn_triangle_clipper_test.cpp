@@ -2,6 +2,8 @@
 // gradients and clip_triangle_to_rectangle with its attributes.
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -109,6 +111,9 @@ struct Side_Case {
   int exit_code;
   double exit_x, exit_y, exit_z;
 };
+
+// Named in test listings by its name alone.
+void PrintTo(const Side_Case& s, std::ostream* out) { *out << s.name; }
 
 class ClipEdgeSides : public ::testing::TestWithParam<Side_Case> {};
 
