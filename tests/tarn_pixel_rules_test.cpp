@@ -579,3 +579,26 @@ TEST(Pixel_Pattern_Row, TwelveWideRowByHand) {
 
 }  // namespace
 }  // namespace tarn::testing
+
+namespace tarn {
+namespace {
+
+// The span writer of translucent fills forms the colour's products once; it
+// must agree with the exact blend for every alpha and every old channel.
+TEST(Blend_Store, SpanWriterAgreesWithTheExactBlend) {
+  for (int a = 0; a < 256; ++a)
+    for (int old = 0; old < 256; old += 3) {
+      const OT_RGB32 color = OT_RGB32::rgba(200, 17, 255 - old, a);
+      const std::uint32_t pixel = OT_RGB32::rgba(old, 255 - old, old / 2, 77).word();
+      std::uint32_t span[3] = {pixel, pixel, pixel};
+      const Blend_Exact_Store store(color);
+      store.span(span, 3, 0);
+      ASSERT_EQ(span[1], blend_exact(pixel, color)) << a << " " << old;
+      std::uint32_t single = pixel;
+      store.pixel(&single, 0);
+      ASSERT_EQ(single, blend_exact(pixel, color));
+    }
+}
+
+}  // namespace
+}  // namespace tarn
