@@ -23,10 +23,12 @@ void draw_clipped_segment(const Software_Z_Buffer& r, const OT_Int_Rectangle& cl
   const std::int32_t sx = dx < 0 ? -1 : 1, sy = dy < 0 ? -1 : 1;
   // Depth of the k-th pixel from the start along the major axis.
   const bool x_major = std::abs(dx) > std::abs(dy);
-  const Line_Depth depth = Writer::kDepth ? Line_Depth(a.z, b.z, x_major ? std::abs(dx) : std::abs(dy)) : Line_Depth();
+  const Line_Depth depth =
+      Writer::kDepth ? Line_Depth(a.z, b.z, x_major ? std::abs(dx) : std::abs(dy)) : Line_Depth();
   auto depth_at = [&depth](std::int32_t k) -> std::uint16_t {
     if constexpr (!Writer::kDepth) return 0;
-    return static_cast<std::uint16_t>(static_cast<std::int32_t>(depth.pos + depth.step * static_cast<std::uint32_t>(k)) >> 15);
+    return static_cast<std::uint16_t>(
+        static_cast<std::int32_t>(depth.pos + depth.step * static_cast<std::uint32_t>(k)) >> 15);
   };
   auto put = [&](std::int32_t x, std::int32_t y, std::int32_t k) {
     writer.pixel(x - r.origin_x, y - r.origin_y, depth_at(k));
@@ -119,8 +121,9 @@ using Polyline_Function = void (*)(OT_Renderer_Data*, const OT_Rendition&, int, 
 
 // The steps common to all modes, from the outcodes on.
 template <class Writer>
-void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
-                   Polyline_Function inside, bool keep_depth, const Writer& writer) {
+void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                   const OT_DCI_Point* points, Polyline_Function inside, bool keep_depth,
+                   const Writer& writer) {
   const Software_Z_Buffer& r = renderer_of(object);
   const OT_Int_Rectangle& clip = rendition->device->hard_clip;
   Outcode_Buffer buffer(count);
@@ -132,7 +135,8 @@ void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int 
   codes[count + 1] = 0;
   // A segment leaves out its end: a last point that alone is inside is
   // written here, by the mode's dot.
-  if (codes[count - 1] == 0 && codes[count - 2] != 0) object->draw_dci_dot(rendition, &points[count - 1], nullptr);
+  if (codes[count - 1] == 0 && codes[count - 2] != 0)
+    object->draw_dci_dot(rendition, &points[count - 1], nullptr);
   int i = 0;
   for (;;) {
     while (codes[i] & codes[i + 1]) ++i;
@@ -158,7 +162,6 @@ void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int 
   }
 }
 
-
 }  // namespace
 
 void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -179,16 +182,9 @@ void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition,
   const Software_Z_Buffer& r = renderer_of(object);
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  const OT_RGB32 color = rendition->colors->color;
-  byte* const* rows = r.color_image->device_rows;
-  const bool merge = merge_on(r, rendition);
-  with_line_masking(r, rendition, [&](const auto& wrap) {
-    if (merge)
-      clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false,
-                    wrap(Merge_Writer{rows, color.word(), Merge_Rgb32(r)}));
-    else
-      clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false,
-                    wrap(Word_Writer{rows, color.word()}));
+  with_rgb32_writers<false>(r, rendition, [&](const auto& make) {
+    clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false,
+                  make(rendition->colors->color));
   });
 }
 
@@ -197,15 +193,9 @@ void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rend
   const Software_Z_Buffer& r = renderer_of(object);
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  const OT_RGB32 color = rendition->colors->color;
-  byte* const* rows = r.color_image->device_rows;
-  const bool merge = merge_on(r, rendition);
-  with_line_masking(r, rendition, [&](const auto& wrap) {
-    if (merge)
-      clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false,
-                    wrap(Merge_Writer{rows, color.word(), Merge_Rgb32(r)}));
-    else
-      clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false, wrap(Blend_Writer{rows, color}));
+  with_rgb32_writers<true>(r, rendition, [&](const auto& make) {
+    clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false,
+                  make(rendition->colors->color));
   });
 }
 
@@ -233,8 +223,9 @@ void z_rgb32_clip_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
   byte* const* rows = r.color_image->device_rows;
   byte* const* depth_rows = r.depth_image->device_rows;
   if (mask_in_force(r, rendition)) {
-    clip_polyline(object, rendition, count, points, inside, true,
-                  Line_Masking(r)(Rgb32_Depth_Writer<Depth_At_Or_Below, true, false>{rows, depth_rows, color}));
+    clip_polyline(
+        object, rendition, count, points, inside, true,
+        Line_Masking(r)(Rgb32_Depth_Writer<Depth_At_Or_Below, true, false>{rows, depth_rows, color}));
     return;
   }
   with_depth_test(r.depth_test, [&]<class Test>() {
@@ -263,7 +254,8 @@ void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& re
   const Software_Z_Buffer& r = renderer_of(object);
   if (nothing_to_draw(r, count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  if (rendition->device->depth_enabled == 0) return rgb32_alpha_2di_polyline(object, rendition, count, points);
+  if (rendition->device->depth_enabled == 0)
+    return rgb32_alpha_2di_polyline(object, rendition, count, points);
   z_rgb32_clip_polyline<true>(object, rendition, count, points, z_rgb32_alpha_dci_polyline);
 }
 

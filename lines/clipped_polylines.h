@@ -7,16 +7,16 @@
 namespace tarn {
 
 void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-    const OT_DCI_Point* points);
+                         const OT_DCI_Point* points);
 void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-    const OT_DCI_Point* points);
+                           const OT_DCI_Point* points);
 void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-    const OT_DCI_Point* points);
+                        const OT_DCI_Point* points);
 void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-    const OT_DCI_Point* points);
+                              const OT_DCI_Point* points);
 void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-    const OT_DCI_Point* points);
+                          const OT_DCI_Point* points);
 void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-    const OT_DCI_Point* points);
+                                const OT_DCI_Point* points);
 
 }  // namespace tarn

@@ -39,8 +39,8 @@ struct Line_Depth {
 };
 
 template <class Writer>
-inline void walk_segment(const Writer& writer, std::int32_t x0, std::int32_t y0, std::int32_t z0, std::int32_t x1,
-                         std::int32_t y1, std::int32_t z1) {
+inline void walk_segment(const Writer& writer, std::int32_t x0, std::int32_t y0, std::int32_t z0,
+                         std::int32_t x1, std::int32_t y1, std::int32_t z1) {
   const std::int32_t dx = x1 - x0, dy = y1 - y0;
   const std::int32_t adx = std::abs(dx), ady = std::abs(dy);
   const std::int32_t sx = dx < 0 ? -1 : 1, sy = dy < 0 ? -1 : 1;

@@ -33,7 +33,9 @@ struct Word_Writer {
   static constexpr bool kDepth = false;
   byte* const* rows;
   std::uint32_t word;
-  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const { *pixel_address<std::uint32_t>(rows, x, y) = word; }
+  void pixel(std::int32_t x, std::int32_t y, std::uint16_t) const {
+    *pixel_address<std::uint32_t>(rows, x, y) = word;
+  }
 };
 
 struct Merge_Writer {
@@ -127,6 +129,25 @@ inline void with_line_masking(const Software_Z_Buffer& r, const OT_Rendition& re
     body(Line_Masking(r));
   else
     body(No_Line_Masking{});
+}
+
+// Hands body a maker of the writer for a colour, in the RGB32 modes without
+// depth: the merge rule when merge is on, else a plain store or, with
+// kBlend, the weight blend; behind the mask when one is in force.
+template <bool kBlend, class Body>
+inline void with_rgb32_writers(const Software_Z_Buffer& r, const OT_Rendition& rendition, Body&& body) {
+  byte* const* rows = r.color_image->device_rows;
+  const bool merge = merge_on(r, rendition);
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    if (merge) {
+      const Merge_Rgb32 rule(r);
+      body([&](OT_RGB32 c) { return wrap(Merge_Writer{rows, c.word(), rule}); });
+    } else if constexpr (kBlend) {
+      body([&](OT_RGB32 c) { return wrap(Blend_Writer{rows, c}); });
+    } else {
+      body([&](OT_RGB32 c) { return wrap(Word_Writer{rows, c.word()}); });
+    }
+  });
 }
 
 }  // namespace tarn

@@ -16,17 +16,30 @@ std::int32_t rnd(double v) { return round_double(v); }
 std::int32_t clamp_to_limits(std::int32_t v) { return std::clamp(v, kLineLimitLow, kLineLimitHigh); }
 
 // The cut end at parameter t, measured from a.
-OT_DCI_Point cut_point(const OT_DCI_Point& a, double dx, double dy, double dz, double t, int side, bool keep_depth) {
+OT_DCI_Point cut_point(const OT_DCI_Point& a, double dx, double dy, double dz, double t, int side,
+                       bool keep_depth) {
   OT_DCI_Point p;
   switch (side) {
-    case 1: p.x = kLineLimitLow; break;
-    case 4: p.x = kLineLimitHigh; break;
-    default: p.x = clamp_to_limits(a.x + rnd(dx * t)); break;
+    case 1:
+      p.x = kLineLimitLow;
+      break;
+    case 4:
+      p.x = kLineLimitHigh;
+      break;
+    default:
+      p.x = clamp_to_limits(a.x + rnd(dx * t));
+      break;
   }
   switch (side) {
-    case 8: p.y = kLineLimitLow; break;
-    case 2: p.y = kLineLimitHigh; break;
-    default: p.y = clamp_to_limits(a.y + rnd(dy * t)); break;
+    case 8:
+      p.y = kLineLimitLow;
+      break;
+    case 2:
+      p.y = kLineLimitHigh;
+      break;
+    default:
+      p.y = clamp_to_limits(a.y + rnd(dy * t));
+      break;
   }
   p.z = keep_depth ? rnd(dz * t + a.z) : 0;
   return p;
@@ -34,7 +47,8 @@ OT_DCI_Point cut_point(const OT_DCI_Point& a, double dx, double dy, double dz, d
 
 }  // namespace
 
-bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2], bool keep_depth) {
+bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2],
+                            bool keep_depth) {
   const double dx = double(b.x) - double(a.x), dy = double(b.y) - double(a.y), dz = double(b.z) - double(a.z);
   // The differences to the limits are made in float, then widened.
   const auto low = [](std::int32_t v) { return double(float(kLineLimitLow) - float(v)); };
@@ -146,7 +160,8 @@ std::int32_t row_at(const Clip_Line& line, std::int32_t c, const OT_Int_Rectangl
 
 namespace {
 
-std::int32_t row_of_code(const Clip_Line& line, short code, std::int32_t y_inside, const OT_Int_Rectangle& clip) {
+std::int32_t row_of_code(const Clip_Line& line, short code, std::int32_t y_inside,
+                         const OT_Int_Rectangle& clip) {
   if (code == 0) return y_inside;
   if (code & 1) return row_at(line, clip.left, clip);
   if (code & 4) return row_at(line, clip.right, clip);

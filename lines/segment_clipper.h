@@ -11,7 +11,8 @@ namespace tarn {
 // Cuts a..b to the line limits -4000..28760 on x and y. False when nothing
 // remains; else out[0], out[1] are the (possibly cut) ends. A cut end has z 0
 // unless keep_depth.
-bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2], bool keep_depth);
+bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2],
+                            bool keep_depth);
 
 // Outcode of a point against the hard clip, computed here rather than by
 // OB_Clip: x right 4 or left 1, then y above 2 or below 8.

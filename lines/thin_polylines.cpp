@@ -1,9 +1,9 @@
 #include "lines/thin_polylines.h"
 
+#include <type_traits>
+
 #include "lines/line_walker.h"
 #include "lines/line_writers.h"
-
-#include <type_traits>
 #include "pixel/blend.h"
 #include "pixel/depth_test.h"
 #include "pixel/entry_tests.h"
@@ -45,15 +45,19 @@ void depth_final_pixel(const Software_Z_Buffer& r, const OT_DCI_Point& last, Wri
   *z = static_cast<std::uint16_t>(p.z);
 }
 
-OT_RGB32 segment_color(const OT_RGB32* colors, bool single_color, int i) { return colors[single_color ? 0 : i]; }
+OT_RGB32 segment_color(const OT_RGB32* colors, bool single_color, int i) {
+  return colors[single_color ? 0 : i];
+}
 
 template <class Wrap>
-void mapped_walk(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
-                 const Wrap& wrap) {
+void mapped_walk(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count,
+                 const OT_DCI_Point* points, const Wrap& wrap) {
   const Merge_Mapped rule(r);
-  const auto writer = wrap(Mapped_Writer{r.color_image->device_rows, static_cast<byte>(rendition->colors->color_index),
-                                         merge_on(r, rendition) ? &rule : nullptr});
-  walk_segments(r, count, points, [&](int) -> const auto& { return writer; });
+  const auto writer =
+      wrap(Mapped_Writer{r.color_image->device_rows, static_cast<byte>(rendition->colors->color_index),
+                         merge_on(r, rendition) ? &rule : nullptr});
+  walk_segments(
+      r, count, points, [&](int) -> const auto& { return writer; });
   const Window_Point last = window_point(r, points[count - 1]);
   writer.pixel(last.x, last.y, 0);
 }
@@ -68,15 +72,16 @@ void rgb32_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* point
 
 // Behind a mask the test is at or below and depth is always written.
 template <bool kBlend, class Wrap>
-void rgb32_depth_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* points, const OT_RGB32* colors,
-                      bool single_color, const Wrap& wrap) {
+void rgb32_depth_walk(const Software_Z_Buffer& r, int count, const OT_DCI_Point* points,
+                      const OT_RGB32* colors, bool single_color, const Wrap& wrap) {
   byte* const* rows = r.color_image->device_rows;
   byte* const* depth_rows = r.depth_image->device_rows;
   const bool masked = !std::is_same_v<Wrap, No_Line_Masking>;
   with_depth_test(masked ? 2 : r.depth_test, [&]<class Test>() {
     auto walk = [&]<bool kWrite>() {
       walk_segments(r, count, points, [&](int i) {
-        return wrap(Rgb32_Depth_Writer<Test, kWrite, kBlend>{rows, depth_rows, segment_color(colors, single_color, i)});
+        return wrap(Rgb32_Depth_Writer<Test, kWrite, kBlend>{rows, depth_rows,
+                                                             segment_color(colors, single_color, i)});
       });
     };
     if (masked || r.depth_write)
@@ -102,38 +107,21 @@ void rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& 
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  byte* const* rows = r.color_image->device_rows;
-  const bool merge = merge_on(r, rendition);
-  with_line_masking(r, rendition, [&](const auto& wrap) {
-    if (merge) {
-      const Merge_Rgb32 rule(r);
-      rgb32_walk(r, count, points, colors, single_color,
-                 [&](OT_RGB32 c) { return wrap(Merge_Writer{rows, c.word(), rule}); });
-    } else {
-      rgb32_walk(r, count, points, colors, single_color, [&](OT_RGB32 c) { return wrap(Word_Writer{rows, c.word()}); });
-    }
-  });
+  with_rgb32_writers<false>(
+      r, rendition, [&](const auto& make) { rgb32_walk(r, count, points, colors, single_color, make); });
 }
 
 // A single opaque colour takes the opaque walker; merge ignores alpha.
 void rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                        const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+                                        const OT_DCI_Point* points, const OT_RGB32* colors,
+                                        bool single_color) {
   if (single_color && colors[0].a > 254)
     return rgb32_dci_colorized_polyline(object, rendition, count, points, colors, single_color);
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  byte* const* rows = r.color_image->device_rows;
-  const bool merge = merge_on(r, rendition);
-  with_line_masking(r, rendition, [&](const auto& wrap) {
-    if (merge) {
-      const Merge_Rgb32 rule(r);
-      rgb32_walk(r, count, points, colors, single_color,
-                 [&](OT_RGB32 c) { return wrap(Merge_Writer{rows, c.word(), rule}); });
-    } else {
-      rgb32_walk(r, count, points, colors, single_color, [&](OT_RGB32 c) { return wrap(Blend_Writer{rows, c}); });
-    }
-  });
+  with_rgb32_writers<true>(
+      r, rendition, [&](const auto& make) { rgb32_walk(r, count, points, colors, single_color, make); });
 }
 
 void z_rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -143,12 +131,14 @@ void z_rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition
   if (host_line(rendition))
     return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   const Software_Z_Buffer& r = renderer_of(object);
-  with_line_masking(r, rendition,
-                    [&](const auto& wrap) { rgb32_depth_walk<false>(r, count, points, colors, single_color, wrap); });
+  with_line_masking(r, rendition, [&](const auto& wrap) {
+    rgb32_depth_walk<false>(r, count, points, colors, single_color, wrap);
+  });
 }
 
 void z_rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                          const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+                                          const OT_DCI_Point* points, const OT_RGB32* colors,
+                                          bool single_color) {
   if (rendition->device->depth_enabled == 0)
     return rgb32_alpha_dci_colorized_polyline(object, rendition, count, points, colors, single_color);
   if (host_line(rendition))
@@ -178,8 +168,10 @@ void z_mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
   const Software_Z_Buffer& r = renderer_of(object);
   const byte index = static_cast<byte>(rendition->colors->color_index);
   with_line_masking(r, rendition, [&](const auto& wrap) {
-    const auto writer = wrap(Mapped_Depth_Writer{r.color_image->device_rows, r.depth_image->device_rows, index});
-    walk_segments(r, count, points, [&](int) -> const auto& { return writer; });
+    const auto writer =
+        wrap(Mapped_Depth_Writer{r.color_image->device_rows, r.depth_image->device_rows, index});
+    walk_segments(
+        r, count, points, [&](int) -> const auto& { return writer; });
     const Window_Point last = window_point(r, points[count - 1]);
     if (wrap.hidden(last.x, last.y)) return;
     depth_final_pixel(r, points[count - 1], [&](const Window_Point& p) {
