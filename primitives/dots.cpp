@@ -66,6 +66,29 @@ void z_rgb32_pixel(const Software_Z_Buffer& r, const OT_DCI_Point& p, OT_RGB32 c
 
 bool host_marker(const OT_Rendition& rendition) { return rendition->marker->symbol != 0; }
 
+// Markers are clipped point by point to the hard clip; colour, merge and the
+// clip are taken once before the loop, the mask is asked per point.
+template <bool kAlpha>
+void rgb32_markers(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count,
+                   const OT_DCI_Point* points) {
+  const OT_Int_Rectangle clip = rendition->device->hard_clip;
+  const OT_RGB32 color = rendition->colors->color;
+  const bool merge = merge_on(r, rendition);
+  for (int i = 0; i < count; ++i)
+    if (inside_clip(clip, points[i]) && !masked_away(r, rendition, points[i]))
+      rgb32_pixel<kAlpha>(r, merge, points[i], color);
+}
+
+// The depth forms know neither the mask nor merge.
+template <bool kAlpha>
+void z_rgb32_markers(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count,
+                     const OT_DCI_Point* points) {
+  const OT_Int_Rectangle clip = rendition->device->hard_clip;
+  const OT_RGB32 color = rendition->colors->color;
+  for (int i = 0; i < count; ++i)
+    if (inside_clip(clip, points[i])) z_rgb32_pixel<kAlpha>(r, points[i], color);
+}
+
 }  // namespace
 
 // A given colour is dithered and never merges; merge sees only color_index.
@@ -148,50 +171,31 @@ void mapped_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& renditi
 void rgb32_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                           const OT_DCI_Point* points) {
   if (host_marker(rendition)) return OB_Standard_Draw_2DI_Polymarker(object, rendition, count, points);
-  const Software_Z_Buffer& r = renderer_of(object);
-  const OT_Int_Rectangle clip = rendition->device->hard_clip;
-  const OT_RGB32 color = rendition->colors->color;
-  const bool merge = merge_on(r, rendition);
-  for (int i = 0; i < count; ++i)
-    if (inside_clip(clip, points[i]) && !masked_away(r, rendition, points[i]))
-      rgb32_pixel<false>(r, merge, points[i], color);
+  rgb32_markers<false>(renderer_of(object), rendition, count, points);
 }
 
 void rgb32_alpha_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                 const OT_DCI_Point* points) {
   if (rendition->colors->color.a > 254) return rgb32_2di_polymarker(object, rendition, count, points);
   if (host_marker(rendition)) return OB_Standard_Draw_2DI_Polymarker(object, rendition, count, points);
-  const Software_Z_Buffer& r = renderer_of(object);
-  const OT_Int_Rectangle clip = rendition->device->hard_clip;
-  const OT_RGB32 color = rendition->colors->color;
-  const bool merge = merge_on(r, rendition);
-  for (int i = 0; i < count; ++i)
-    if (inside_clip(clip, points[i]) && !masked_away(r, rendition, points[i]))
-      rgb32_pixel<true>(r, merge, points[i], color);
+  rgb32_markers<true>(renderer_of(object), rendition, count, points);
 }
 
 void z_rgb32_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                             const OT_DCI_Point* points) {
   if (rendition->device->depth_enabled == 0) return rgb32_2di_polymarker(object, rendition, count, points);
   if (host_marker(rendition)) return OB_Standard_Draw_2DI_Polymarker(object, rendition, count, points);
-  const Software_Z_Buffer& r = renderer_of(object);
-  const OT_Int_Rectangle clip = rendition->device->hard_clip;
-  const OT_RGB32 color = rendition->colors->color;
-  for (int i = 0; i < count; ++i)
-    if (inside_clip(clip, points[i])) z_rgb32_pixel<false>(r, points[i], color);
+  z_rgb32_markers<false>(renderer_of(object), rendition, count, points);
 }
 
 // The test for an opaque colour comes before the one of depth_enabled.
 void z_rgb32_alpha_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                   const OT_DCI_Point* points) {
   if (rendition->colors->color.a == 255) return z_rgb32_2di_polymarker(object, rendition, count, points);
-  if (rendition->device->depth_enabled == 0) return rgb32_alpha_2di_polymarker(object, rendition, count, points);
+  if (rendition->device->depth_enabled == 0)
+    return rgb32_alpha_2di_polymarker(object, rendition, count, points);
   if (host_marker(rendition)) return OB_Standard_Draw_2DI_Polymarker(object, rendition, count, points);
-  const Software_Z_Buffer& r = renderer_of(object);
-  const OT_Int_Rectangle clip = rendition->device->hard_clip;
-  const OT_RGB32 color = rendition->colors->color;
-  for (int i = 0; i < count; ++i)
-    if (inside_clip(clip, points[i])) z_rgb32_pixel<true>(r, points[i], color);
+  z_rgb32_markers<true>(renderer_of(object), rendition, count, points);
 }
 
 }  // namespace tarn
