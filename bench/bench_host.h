@@ -6,6 +6,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -29,6 +30,7 @@ inline constexpr Mode kRgb32{"rgb32", 0, OT_Color_System_Direct, false};
 inline constexpr Mode kRgb32Alpha{"rgb32_alpha", 0, OT_Color_System_Direct, true};
 inline constexpr Mode kZMapped{"z_mapped", 16, OT_Color_System_Mapped, false};
 inline constexpr Mode kZRgb32{"z_rgb32", 16, OT_Color_System_Direct, false};
+inline constexpr Mode kZRgb32Alpha{"z_rgb32_alpha", 16, OT_Color_System_Direct, true};
 
 inline constexpr int kWindow = 1024;
 
@@ -42,7 +44,9 @@ class Bench_Host {
 
   explicit Bench_Host(const Mode& mode, int width = kWindow, int height = kWindow)
       : mode_(mode), width_(width), height_(height) {
-    if (!module_.open(TARN_MODULE_PATH, error_)) return;
+    // TARN_MODULE names another build of the module, to compare two builds with one program.
+    const char* path = std::getenv("TARN_MODULE");
+    if (!module_.open(path && *path ? path : TARN_MODULE_PATH, error_)) return;
     renderer_ = module_.create();
     if (!renderer_) {
       error_ = "the module's factory made no renderer";

@@ -10,7 +10,6 @@
 namespace tarn::bench {
 namespace {
 
-inline constexpr Mode kZRgb32Alpha{"z_rgb32_alpha", 16, OT_Color_System_Direct, true};
 
 using Strip = std::vector<OT_DCI_Point>;
 

@@ -10,7 +10,6 @@
 namespace tarn::bench {
 namespace {
 
-inline constexpr Mode kZRgb32Alpha{"z_rgb32_alpha", 16, OT_Color_System_Direct, true};
 
 // A zigzag polyline of `segments` segments, each `length` long, at every
 // angle of a fan.

@@ -93,6 +93,14 @@ void BM_Strip_DC(benchmark::State& state, Mode mode) { run_dc(state, mode, mediu
 void BM_Small_DCI(benchmark::State& state, Mode mode) { run_dci(state, mode, small_strips()); }
 void BM_Small_DC(benchmark::State& state, Mode mode) { run_dc(state, mode, small_strips()); }
 
+// One call per 10-pixel triangle: the cost of an action's entry tests.
+void BM_Single_Triangle_DCI(benchmark::State& state, Mode mode) {
+  Strips triangles;
+  for (const auto& strip : small_strips())
+    for (std::size_t i = 0; i + 2 < strip.size(); ++i) triangles.push_back({strip[i], strip[i + 1], strip[i + 2]});
+  run_dci(state, mode, triangles);
+}
+
 void BM_Large_DCI(benchmark::State& state, Mode mode) {
   run_dci(state, mode, window_strip());
   state.SetBytesProcessed(state.iterations() * std::int64_t(kWindow) * kWindow * (mode.mapped() ? 1 : 4));
@@ -123,6 +131,12 @@ BENCHMARK_CAPTURE(BM_Large_DCI, z_rgb32, kZRgb32);
 BENCHMARK_CAPTURE(BM_Small_DCI, mapped, kMapped);
 BENCHMARK_CAPTURE(BM_Small_DCI, rgb32, kRgb32);
 BENCHMARK_CAPTURE(BM_Small_DCI, rgb32_alpha, kRgb32Alpha);
+BENCHMARK_CAPTURE(BM_Single_Triangle_DCI, mapped, kMapped);
+BENCHMARK_CAPTURE(BM_Single_Triangle_DCI, rgb32, kRgb32);
+BENCHMARK_CAPTURE(BM_Single_Triangle_DCI, rgb32_alpha, kRgb32Alpha);
+BENCHMARK_CAPTURE(BM_Single_Triangle_DCI, z_mapped, kZMapped);
+BENCHMARK_CAPTURE(BM_Single_Triangle_DCI, z_rgb32, kZRgb32);
+BENCHMARK_CAPTURE(BM_Single_Triangle_DCI, z_rgb32_alpha, kZRgb32Alpha);
 BENCHMARK_CAPTURE(BM_Small_DC, mapped, kMapped);
 BENCHMARK_CAPTURE(BM_Small_DC, rgb32, kRgb32);
 
