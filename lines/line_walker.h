@@ -17,7 +17,7 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "triangles/triangle_walk.h"
+#include "pixel/fixed_point.h"
 
 namespace tarn {
 

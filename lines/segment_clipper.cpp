@@ -5,7 +5,7 @@
 
 #include "pixel/limits.h"
 #include "pixel/rounding.h"
-#include "triangles/triangle_walk.h"
+#include "pixel/fixed_point.h"
 
 namespace tarn {
 namespace {

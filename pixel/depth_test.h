@@ -6,14 +6,6 @@
 
 namespace tarn {
 
-// "ZBuffer Test" 1: nearer only; 5: farther only; anything else, 2 among
-// them: at or below.
-inline bool depth_passes(std::uint16_t d, std::uint16_t stored, std::int32_t zbuffer_test) {
-  if (zbuffer_test == 1) return d < stored;
-  if (zbuffer_test == 5) return d > stored;
-  return d <= stored;
-}
-
 // The same tests as types, so that a span loop carries no branch on the value.
 struct Depth_Below {
   static bool passes(std::uint16_t d, std::uint16_t stored) { return d < stored; }

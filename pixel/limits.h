@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/ot_base.h"
+#include "pixel/fixed_point.h"
 
 namespace tarn {
 
@@ -14,12 +15,8 @@ inline constexpr OT_Int_Rectangle kWalkLimits{-4000, 28760, -4000, 28760};
 inline constexpr std::int32_t kLineLimitLow = -4000;
 inline constexpr std::int32_t kLineLimitHigh = 28760;
 
-// The tiled polytriangle actions' constant.
-inline constexpr OT_Int_Rectangle kWideLimits{-0x40000000, 0x40000000, -0x40000000, 0x40000000};
-
-// First clip of the tiled actions, around the window origin.
-inline OT_Int_Rectangle tiled_limits(std::int32_t origin_x, std::int32_t origin_y) {
-  return {origin_x - 0x40000000, origin_x + 0x40000000, origin_y - 0x40000000, origin_y + 0x40000000};
-}
+static_assert(kWalkLimits.right - kWalkLimits.left <= kMaxWalkSpan && kWalkLimits.top - kWalkLimits.bottom <= kMaxWalkSpan,
+              "a triangle within the walk limits steps in 16.16 without overflow");
+static_assert(kLineLimitHigh - kLineLimitLow <= kMaxWalkSpan, "a cut segment steps in 16.16 without overflow");
 
 }  // namespace tarn

@@ -38,11 +38,6 @@ inline void advance(Mask_Cursor& cursor, std::int32_t n) {
   cursor.bit = t & 7;
 }
 
-inline void offset_cursor(const Mask_Cursor& source, Mask_Cursor& target, std::int32_t n) {
-  target = source;
-  advance(target, n);
-}
-
 inline bool mask_bit(const Mask_Cursor& cursor) { return (*cursor.address & (128 >> cursor.bit)) != 0; }
 
 // The bit of one window-relative pixel.

@@ -53,22 +53,6 @@ inline void round_points_xy(const OT_Point* points, int count, OT_DCI_Point* out
   }
 }
 
-inline void round_point_d(const OT_Point_D& point, OT_DCI_Point& out) {
-  out.x = round_double(point.x);
-  out.y = round_double(point.y);
-  out.z = round_double(point.z);
-}
-
-// Tiled actions: dx, dy (the window origin) come off x and y after rounding.
-inline void round_points_d(const OT_Point_D* points, int count, OT_DCI_Point* out, std::int32_t dx,
-                           std::int32_t dy) {
-  for (int i = 0; i < count; ++i) {
-    out[i].x = static_cast<std::int32_t>(static_cast<std::uint32_t>(round_double(points[i].x)) - dx);
-    out[i].y = static_cast<std::int32_t>(static_cast<std::uint32_t>(round_double(points[i].y)) - dy);
-    out[i].z = round_double(points[i].z);
-  }
-}
-
 // Rounded points of a wrapper: in the call's frame up to 64 points, on the
 // heap above that; released on every path.
 class Point_Buffer {
@@ -85,7 +69,6 @@ class Point_Buffer {
   Point_Buffer& operator=(const Point_Buffer&) = delete;
 
   OT_DCI_Point* data() { return data_; }
-  bool on_heap() const { return heap_ != nullptr; }
 
  private:
   OT_DCI_Point local_[kLocalPoints];

@@ -166,17 +166,6 @@ TEST(Mask_Cursor, AnyMoveLandsWhereTheBitCountSays) {
     }
 }
 
-TEST(Mask_Cursor, OffsetLeavesItsSourceAlone) {
-  byte row[8] = {};
-  const Mask_Cursor source{row + 5, 3};
-  Mask_Cursor target{nullptr, 0};
-  offset_cursor(source, target, -12);
-  EXPECT_EQ(source.address, row + 5);
-  EXPECT_EQ(source.bit, 3);
-  EXPECT_EQ(target.address, row + 3);
-  EXPECT_EQ(target.bit, 7);
-}
-
 TEST(Mask_Cursor, BitNumberCountsFromTheHighBit) {
   for (int set = 0; set < 8; ++set) {
     const byte value = static_cast<byte>(128 >> set);

@@ -67,22 +67,5 @@ TEST(RoundPoints, XYFormLeavesZAlone) {
   EXPECT_EQ(out[1].z, -8);
 }
 
-TEST(RoundPoints, TiledFormSubtractsTheOriginAfterRoundingButNotFromZ) {
-  const OT_Point_D in{100.5, -20.5, 3.5};
-  OT_DCI_Point out;
-  round_points_d(&in, 1, &out, 10, -30);
-  EXPECT_EQ(out.x, 91);
-  EXPECT_EQ(out.y, 10);
-  EXPECT_EQ(out.z, 4);
-  round_point_d(in, out);
-  EXPECT_EQ(out.x, 101);
-  EXPECT_EQ(out.y, -20);
-}
-
-TEST(PointBuffer, SixtyFourPointsStayInTheFrameSixtyFiveGoToTheHeap) {
-  EXPECT_FALSE(Point_Buffer(64).on_heap());
-  EXPECT_TRUE(Point_Buffer(65).on_heap());
-}
-
 }  // namespace
 }  // namespace tarn

@@ -24,38 +24,9 @@
 #include <utility>
 
 #include "host/ot_base.h"
+#include "pixel/fixed_point.h"
 
 namespace tarn {
-
-// d / h as a 16.16 step: d shifted left 16 in 32 bits, divided with
-// truncation toward zero. Heights 1, 2, 4 and 8 shift instead of dividing.
-inline std::int32_t slope(std::int32_t d, std::int32_t h) {
-  const std::uint32_t u = static_cast<std::uint32_t>(d);
-  switch (h) {
-    case 1: return static_cast<std::int32_t>(u << 16);
-    case 2: return static_cast<std::int32_t>(u << 15);
-    case 4: return static_cast<std::int32_t>(u << 14);
-    case 8: return static_cast<std::int32_t>(u << 13);
-    default: return static_cast<std::int32_t>(u << 16) / h;
-  }
-}
-
-// The same with a 15-bit fraction, for depth (17.15).
-inline std::int32_t slope15(std::int32_t d, std::int32_t h) {
-  const std::uint32_t u = static_cast<std::uint32_t>(d);
-  switch (h) {
-    case 1: return static_cast<std::int32_t>(u << 15);
-    case 2: return static_cast<std::int32_t>(u << 14);
-    case 4: return static_cast<std::int32_t>(u << 13);
-    case 8: return static_cast<std::int32_t>(u << 12);
-    default: return static_cast<std::int32_t>(u << 15) / h;
-  }
-}
-
-// a - b in 32 bits, wrapping.
-inline std::int32_t wrap_sub(std::int32_t a, std::int32_t b) {
-  return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
-}
 
 struct No_Attributes {
   No_Attributes& operator+=(const No_Attributes&) { return *this; }
