@@ -3,7 +3,7 @@
 #pragma once
 
 #include "frame/software_z_buffer.h"
-#include "pixel/pixel_stores.h"
+#include "pixel/pixel_writers.h"
 
 namespace tarn {
 
@@ -52,10 +52,14 @@ inline bool masked_bit(const Frame_Buffer_Mask& mask, std::int32_t x, std::int32
 namespace tarn {
 
 // A writer behind the complex clip: the pixel is written only where the head
-// mask's bit is clear. The pixel's column comes from its address in the row.
-template <class Store>
+// mask's bit is clear. The pixel's column comes from its address in the row,
+// so every primitive can use it, whatever it knows of its columns.
+template <Pixel_Store Store>
 struct Masked_Store : Pixelwise<Masked_Store<Store>, typename Store::Pixel> {
   using Pixel = typename Store::Pixel;
+  static constexpr bool kMasked = true;
+  static constexpr bool kMerge = Store::kMerge;
+  static constexpr bool kBlend = Store::kBlend;
   Store inner;
   byte* const* rows;
   const Frame_Buffer_Mask* mask;

@@ -10,7 +10,7 @@
 #include "pixel/dither.h"
 #include "pixel/face_pattern.h"
 #include "pixel/merge.h"
-#include "pixel/pixel_stores.h"
+#include "pixel/pixel_writers.h"
 #include "tests/tarn_test_support.h"
 
 namespace tarn::testing {

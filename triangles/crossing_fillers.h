@@ -6,7 +6,7 @@
 #pragma once
 
 #include "pixel/face_pattern.h"
-#include "pixel/pixel_stores.h"
+#include "pixel/pixel_writers.h"
 #include "triangles/depth_fill.h"
 #include "triangles/triangle_walk.h"
 
@@ -19,7 +19,7 @@ struct Plain_Edges {
   No_Attributes edge_step(const Vertex&, const Vertex&, std::int32_t) const { return {}; }
 };
 
-template <Span_Store Store>
+template <Pixel_Store Store>
 struct Crossing_Solid : Plain_Edges {
   byte* const* rows;
   Store store;
@@ -32,7 +32,7 @@ struct Crossing_Solid : Plain_Edges {
 };
 
 // The pattern's phase comes from the row and the clamped left end.
-template <Span_Store Main, Span_Store Contrast>
+template <Pixel_Store Main, Pixel_Store Contrast>
 struct Crossing_Pattern : Plain_Edges {
   using Pixel = typename Main::Pixel;
   byte* const* rows;
@@ -59,7 +59,7 @@ struct Crossing_Pattern : Plain_Edges {
 // Depth from the span's full ends: slope15 over the unclamped width (all four
 // shifts), started at the clamped left end. With a pattern (source not null)
 // the test comes first, then the bit.
-template <Span_Store Main, Span_Store Contrast, class Test, bool kWriteDepth>
+template <Pixel_Store Main, Pixel_Store Contrast, class Test, bool kWriteDepth>
 struct Crossing_Depth : Depth_Edges {
   using Pixel = typename Main::Pixel;
   byte* const* rows;
@@ -101,7 +101,7 @@ struct Crossing_Depth : Depth_Edges {
 // The crossing rows of the alpha depth mode look at alpha pixel by pixel:
 // 255 stores the word, 0 leaves the colour (its depth is written all the
 // same), anything between blends.
-struct Alpha_Switch_Store : Pixelwise<Alpha_Switch_Store, std::uint32_t> {
+struct Alpha_Switch_Store : Pixelwise<Alpha_Switch_Store, std::uint32_t, Blend_Traits> {
   OT_RGB32 color;
   explicit Alpha_Switch_Store(OT_RGB32 c) : color(c) {}
   void pixel(Pixel* p, std::int32_t) const {

@@ -9,7 +9,7 @@
 #include "frame/software_z_buffer.h"
 #include "pixel/depth_test.h"
 #include "pixel/face_pattern.h"
-#include "pixel/pixel_stores.h"
+#include "pixel/pixel_writers.h"
 #include "triangles/triangle_walk.h"
 
 namespace tarn {
@@ -44,24 +44,7 @@ struct Depth_Edges {
   }
 };
 
-// Depth first, then colour; a failing pixel changes nothing.
-// Behind a mask the depth test comes first, then the mask bit: a hidden pixel
-// leaves depth alone too.
-template <class Test, bool kWriteDepth, class Store>
-inline void depth_pixel(const Store& store, typename Store::Pixel* p, std::uint16_t* zp, std::uint16_t d,
-                        std::int32_t row) {
-  if (!Test::passes(d, *zp)) return;
-  if constexpr (requires { store.inner; }) {
-    if (store.hidden(p, row)) return;
-    if constexpr (kWriteDepth) *zp = d;
-    store.inner.pixel(p, row);
-  } else {
-    if constexpr (kWriteDepth) *zp = d;
-    store.pixel(p, row);
-  }
-}
-
-template <Span_Store Store, class Test, bool kWriteDepth>
+template <Pixel_Store Store, class Test, bool kWriteDepth>
 struct Depth_Span_Filler : Depth_Edges {
   using Pixel = typename Store::Pixel;
 
@@ -107,7 +90,7 @@ struct Depth_Span_Filler : Depth_Edges {
 
 // The pattern path: depth stepped over every span alike, the test before the
 // pattern bit, and the column phase moving on whatever the test says.
-template <Span_Store Main, Span_Store Contrast, class Test, bool kWriteDepth>
+template <Pixel_Store Main, Pixel_Store Contrast, class Test, bool kWriteDepth>
 struct Depth_Pattern_Span_Filler : Depth_Edges {
   using Pixel = typename Main::Pixel;
 

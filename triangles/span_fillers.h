@@ -4,14 +4,14 @@
 
 #include "frame/software_z_buffer.h"
 #include "pixel/face_pattern.h"
-#include "pixel/pixel_stores.h"
+#include "pixel/pixel_writers.h"
 #include "triangles/triangle_walk.h"
 
 namespace tarn {
 
 // kRowGuard: rows outside 0..height-1 are walked but write nothing (the
 // alpha filler's solid path alone tolerates them).
-template <Span_Store Store, bool kRowGuard = false>
+template <Pixel_Store Store, bool kRowGuard = false>
 struct Solid_Span_Filler {
   using Vertex = Plain_Vertex;
   using Edge_Attributes = No_Attributes;
@@ -34,7 +34,7 @@ struct Solid_Span_Filler {
 
 // Clear bits take `main`, holes take `contrast` (No_Store when contrast is
 // off). The phase of every row starts again from its own left end.
-template <Span_Store Main, Span_Store Contrast>
+template <Pixel_Store Main, Pixel_Store Contrast>
 struct Pattern_Span_Filler {
   using Vertex = Plain_Vertex;
   using Edge_Attributes = No_Attributes;

@@ -1,9 +1,13 @@
-// Pixel writers of the fillers, as small policies: each writes one pixel or a
-// run of one row. `row` is the window-relative row number, which only the
-// dither needs. The choice between them is made outside the pixel loops.
+// Pixel writers, as small policies: each writes one pixel or a run of one
+// row, and says at compile time what it is. Triangles, lines, dots and
+// markers all write through these; the depth test and the complex clip are
+// layers around them (pixel/depth_test.h, pixel/mask.h). `row` is the
+// window-relative row number, which only the dither and the mask need. The
+// choice between writers is made outside the pixel loops.
 #pragma once
 
 #include <algorithm>
+#include <concepts>
 #include <cstdint>
 #include <cstring>
 
@@ -14,15 +18,34 @@
 
 namespace tarn {
 
+// kMasked: the writer sits behind the complex clip and can tell whether a
+// pixel is hidden (`hidden(p, row)`, and `inner` writes it unmasked).
+// kMerge, kBlend: it reads the pixel it writes.
 template <class T>
-concept Span_Store = requires(const T store, typename T::Pixel* p, std::int32_t n, std::int32_t row) {
+concept Pixel_Store = requires(const T store, typename T::Pixel* p, std::int32_t n, std::int32_t row) {
+  { T::kMasked } -> std::convertible_to<bool>;
+  { T::kMerge } -> std::convertible_to<bool>;
+  { T::kBlend } -> std::convertible_to<bool>;
   { store.pixel(p, row) };
   { store.span(p, n, row) };
 };
 
+// The traits of a writer that neither reads its pixel nor hides any.
+struct Plain_Traits {
+  static constexpr bool kMasked = false;
+  static constexpr bool kMerge = false;
+  static constexpr bool kBlend = false;
+};
+struct Merge_Traits : Plain_Traits {
+  static constexpr bool kMerge = true;
+};
+struct Blend_Traits : Plain_Traits {
+  static constexpr bool kBlend = true;
+};
+
 // Runs one pixel after another, for the writers that have no block form.
-template <class Derived, class P>
-struct Pixelwise {
+template <class Derived, class P, class Traits = Plain_Traits>
+struct Pixelwise : Traits {
   using Pixel = P;
   void span(Pixel* p, std::int32_t n, std::int32_t row) const {
     for (std::int32_t i = 0; i < n; ++i) static_cast<const Derived*>(this)->pixel(p + i, row);
@@ -30,17 +53,19 @@ struct Pixelwise {
 };
 
 // 8-bit palette index, plain store.
-struct Index_Store {
+struct Index_Store : Plain_Traits {
   using Pixel = byte;
   byte value;
+  constexpr explicit Index_Store(byte v) : value(v) {}
   void pixel(Pixel* p, std::int32_t) const { *p = value; }
   void span(Pixel* p, std::int32_t n, std::int32_t) const { std::memset(p, value, static_cast<std::size_t>(n)); }
 };
 
 // 32-bit RGB32 word, plain store, its alpha byte as it came.
-struct Word_Store {
+struct Word_Store : Plain_Traits {
   using Pixel = std::uint32_t;
   std::uint32_t value;
+  constexpr explicit Word_Store(std::uint32_t v) : value(v) {}
   void pixel(Pixel* p, std::int32_t) const { *p = value; }
   void span(Pixel* p, std::int32_t n, std::int32_t) const { std::fill_n(p, n, value); }
 };
@@ -48,7 +73,7 @@ struct Word_Store {
 // The exact blend of a translucent colour; the pixel's alpha byte becomes 255.
 // The colour's products are formed once; the span loop is plain integer
 // arithmetic on words, which the compiler vectorizes.
-struct Blend_Exact_Store {
+struct Blend_Exact_Store : Blend_Traits {
   using Pixel = std::uint32_t;
   OT_RGB32 color;
   std::uint32_t inverse, red, green, blue;  // 255 - a, and each channel times a
@@ -69,20 +94,20 @@ struct Blend_Exact_Store {
 };
 
 // The weight blend, for pixels touched one at a time.
-struct Blend_Weight_Store : Pixelwise<Blend_Weight_Store, std::uint32_t> {
+struct Blend_Weight_Store : Pixelwise<Blend_Weight_Store, std::uint32_t, Blend_Traits> {
   OT_RGB32 color;
   explicit Blend_Weight_Store(OT_RGB32 c) : color(c) {}
   void pixel(Pixel* p, std::int32_t) const { *p = blend_weight(*p, color); }
 };
 
-struct Merge_Word_Store : Pixelwise<Merge_Word_Store, std::uint32_t> {
+struct Merge_Word_Store : Pixelwise<Merge_Word_Store, std::uint32_t, Merge_Traits> {
   Merge_Rgb32 rule;
   std::uint32_t value;
   Merge_Word_Store(const Merge_Rgb32& r, std::uint32_t v) : rule(r), value(v) {}
   void pixel(Pixel* p, std::int32_t) const { rule.apply(p, value); }
 };
 
-struct Merge_Index_Store : Pixelwise<Merge_Index_Store, byte> {
+struct Merge_Index_Store : Pixelwise<Merge_Index_Store, byte, Merge_Traits> {
   Merge_Mapped rule;
   byte value;
   Merge_Index_Store(const Merge_Mapped& r, byte v) : rule(r), value(v) {}
@@ -105,7 +130,7 @@ struct Dither_Add_Store : Pixelwise<Dither_Add_Store, byte> {
 };
 
 // Dithered index through the merge rule, addition form (crossing spans).
-struct Merge_Dither_Add_Store : Pixelwise<Merge_Dither_Add_Store, byte> {
+struct Merge_Dither_Add_Store : Pixelwise<Merge_Dither_Add_Store, byte, Merge_Traits> {
   Merge_Mapped rule;
   const OT_Color_Cube* cube;
   Dither_Levels levels;
@@ -116,7 +141,7 @@ struct Merge_Dither_Add_Store : Pixelwise<Merge_Dither_Add_Store, byte> {
 
 // The writer of a set pattern bit when contrast is off: nothing.
 template <class P>
-struct No_Store {
+struct No_Store : Plain_Traits {
   using Pixel = P;
   void pixel(Pixel*, std::int32_t) const {}
   void span(Pixel*, std::int32_t, std::int32_t) const {}
