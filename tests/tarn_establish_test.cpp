@@ -2,7 +2,7 @@
 // mask cache, the merge colours, and which function lands in which slot.
 #include <tuple>
 
-#include "frame/action_table.h"
+#include "module/action_table.h"
 #include "frame/buffer_services.h"
 #include "frame/renderer_options.h"
 #include "primitives/polygons.h"

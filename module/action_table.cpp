@@ -1,4 +1,4 @@
-#include "frame/action_table.h"
+#include "module/action_table.h"
 
 #include "frame/buffer_services.h"
 #include "lines/clipped_polylines.h"

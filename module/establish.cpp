@@ -1,5 +1,5 @@
 // Making the renderer ready for drawing from the current options.
-#include "frame/action_table.h"
+#include "module/action_table.h"
 #include "frame/software_z_buffer.h"
 
 namespace {
