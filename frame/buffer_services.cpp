@@ -56,6 +56,30 @@ void read_unclipped(const Software_Z_Buffer& renderer, const OT_Shared_Image_Dat
                  last->y - renderer.origin_y, image->top_rows[0], w * size, w * size);
 }
 
+void fill_bytes(byte* p, std::int64_t n, byte value) {
+  if (n > 0) std::memset(p, value, static_cast<std::size_t>(n));
+}
+
+// The colour clear of one pixel kind: a face pattern other than solid goes to
+// the host; whole rows are one run over the block, from the top row down.
+template <class Pixel, class Fill>
+void clear_color(OT_Renderer_Data* object, const OT_Rendition& rendition, Pixel value, Fill fill) {
+  const OT_Int_Rectangle& clip = rendition->device->hard_clip;
+  if (rendition->face->pattern != kSolidPattern)
+    return OB_Span_DC_Rectangle(object, rendition, clip.left, clip.right, clip.bottom, clip.top);
+  const Software_Z_Buffer& r = renderer_of(object);
+  const OT_Shared_Image_Data& image = *r.color_image;
+  const Clear_Area a = clear_area(r, clip, image);
+  if (a.empty) return;
+  if (a.l0 == 0 && a.r == image.width - 1) {
+    const std::int64_t bytes = std::int64_t(a.t - a.b0 + 1) * image.row_bytes;
+    fill(reinterpret_cast<Pixel*>(image.device_rows[a.t]), bytes / std::int64_t{sizeof(Pixel)}, value);
+    return;
+  }
+  for (std::int32_t y = a.b0; y <= a.t; ++y)
+    fill(reinterpret_cast<Pixel*>(image.device_rows[y]) + a.l0, a.r - a.l0 + 1, value);
+}
+
 }  // namespace
 
 void fill_words(std::uint32_t* p, std::int64_t n, std::uint32_t value) {
@@ -71,40 +95,11 @@ void fill_words(std::uint32_t* p, std::int64_t n, std::uint32_t value) {
 }
 
 void mapped_clear_color(OT_Renderer_Data* object, const OT_Rendition& rendition) {
-  const OT_Int_Rectangle& clip = rendition->device->hard_clip;
-  if (rendition->face->pattern != kSolidPattern)
-    return OB_Span_DC_Rectangle(object, rendition, clip.left, clip.right, clip.bottom, clip.top);
-  const Software_Z_Buffer& r = renderer_of(object);
-  const OT_Shared_Image_Data& image = *r.color_image;
-  const Clear_Area a = clear_area(r, clip, image);
-  if (a.empty) return;
-  const byte value = rendition->colors->window_index;
-  if (a.l0 == 0 && a.r == image.width - 1) {
-    const std::int64_t bytes = std::int64_t(a.t - a.b0 + 1) * image.row_bytes;
-    if (bytes > 0) std::memset(image.device_rows[a.t], value, static_cast<std::size_t>(bytes));
-    return;
-  }
-  if (a.r < a.l0) return;
-  for (std::int32_t y = a.b0; y <= a.t; ++y)
-    std::memset(image.device_rows[y] + a.l0, value, static_cast<std::size_t>(a.r - a.l0 + 1));
+  clear_color<byte>(object, rendition, rendition->colors->window_index, fill_bytes);
 }
 
 void rgb32_clear_color(OT_Renderer_Data* object, const OT_Rendition& rendition) {
-  const OT_Int_Rectangle& clip = rendition->device->hard_clip;
-  if (rendition->face->pattern != kSolidPattern)
-    return OB_Span_DC_Rectangle(object, rendition, clip.left, clip.right, clip.bottom, clip.top);
-  const Software_Z_Buffer& r = renderer_of(object);
-  const OT_Shared_Image_Data& image = *r.color_image;
-  const Clear_Area a = clear_area(r, clip, image);
-  if (a.empty) return;
-  const std::uint32_t value = rendition->colors->window_color.word();
-  if (a.l0 == 0 && a.r == image.width - 1) {
-    const std::int64_t words = std::int64_t(a.t - a.b0 + 1) * image.row_bytes / 4;
-    fill_words(reinterpret_cast<std::uint32_t*>(image.device_rows[a.t]), words, value);
-    return;
-  }
-  for (std::int32_t y = a.b0; y <= a.t; ++y)
-    fill_words(reinterpret_cast<std::uint32_t*>(image.device_rows[y]) + a.l0, a.r - a.l0 + 1, value);
+  clear_color<std::uint32_t>(object, rendition, rendition->colors->window_color.word(), fill_words);
 }
 
 // Depth clears take the hard clip as it stands, without clamping, and ignore
