@@ -36,6 +36,8 @@ struct Bounds {
   double xmin, xmax, ymin, ymax;
 };
 
+// ---- Step 1: the triangle in doubles, its turning and its depth plane ------
+
 // The depth plane through the three points, as gradients from p0.
 struct Depth_Plane {
   double x0, y0, z0, gx, gy;
@@ -76,50 +78,53 @@ Triangle set_up(const OT_DCI_Point* points, const OT_Int_Rectangle& r) {
 
 // ---- Step 2: one edge against the rectangle -------------------------------
 
-// Liang-Barsky parameters of the edge p -> q; top and bottom win a near tie
-// with left and right.
+// Liang-Barsky parameters of the edge p -> q: where it enters and leaves the
+// rectangle, and by which sides.
 struct Edge_Span {
   bool visible;
   double t0, t1;
   int enter_side, exit_side;
 };
 
-Edge_Span edge_span(const Vertex& p, const Vertex& q, const Bounds& r) {
-  constexpr Edge_Span invisible{false, 0.0, 0.0, 0, 0};
-  Edge_Span s{true, 0.0, 1.0, 0, 0};
-
+// Left and right: an end beyond a side moves the span's start or end there.
+bool clip_x(const Vertex& p, const Vertex& q, const Bounds& r, Edge_Span& s) {
   const double dx = q.x - p.x;
   if (dx > 0.0) {
     if (r.xmin > p.x) {
-      if (r.xmin > q.x) return invisible;
+      if (r.xmin > q.x) return false;
       s.enter_side = kLeft;
       s.t0 = (r.xmin - p.x) / dx;
     }
     if (q.x > r.xmax) {
-      if (p.x > r.xmax) return invisible;
+      if (p.x > r.xmax) return false;
       s.exit_side = kRight;
       s.t1 = (r.xmax - p.x) / dx;
     }
   } else {
     if (r.xmin > q.x) {
-      if (r.xmin > p.x) return invisible;
+      if (r.xmin > p.x) return false;
       s.exit_side = kLeft;
       s.t1 = (r.xmin - p.x) / dx;
     }
     if (p.x > r.xmax) {
-      if (q.x > r.xmax) return invisible;
+      if (q.x > r.xmax) return false;
       s.enter_side = kRight;
       s.t0 = (r.xmax - p.x) / dx;
     }
   }
+  return true;
+}
 
-  const auto enter_y = [&s](double t, int side) {
+// Top and bottom: the same, but a crossing up to kTolerance short of the
+// left or right one still takes its place, so a corner cut goes to them.
+bool clip_y(const Vertex& p, const Vertex& q, const Bounds& r, Edge_Span& s) {
+  const auto enter = [&s](double t, int side) {
     if (t >= s.t0 - kTolerance) {
       s.t0 = t;
       s.enter_side = side;
     }
   };
-  const auto exit_y = [&s](double t, int side) {
+  const auto exit = [&s](double t, int side) {
     if (s.t1 + kTolerance >= t) {
       s.t1 = t;
       s.exit_side = side;
@@ -128,24 +133,30 @@ Edge_Span edge_span(const Vertex& p, const Vertex& q, const Bounds& r) {
   const double dy = q.y - p.y;
   if (dy > 0.0) {
     if (r.ymin > p.y) {
-      if (r.ymin > q.y) return invisible;
-      enter_y((r.ymin - p.y) / dy, kBottom);
+      if (r.ymin > q.y) return false;
+      enter((r.ymin - p.y) / dy, kBottom);
     }
     if (q.y > r.ymax) {
-      if (p.y > r.ymax) return invisible;
-      exit_y((r.ymax - p.y) / dy, kTop);
+      if (p.y > r.ymax) return false;
+      exit((r.ymax - p.y) / dy, kTop);
     }
   } else {
     if (r.ymin > q.y) {
-      if (r.ymin > p.y) return invisible;
-      exit_y((r.ymin - p.y) / dy, kBottom);
+      if (r.ymin > p.y) return false;
+      exit((r.ymin - p.y) / dy, kBottom);
     }
     if (p.y > r.ymax) {
-      if (q.y > r.ymax) return invisible;
-      enter_y((r.ymax - p.y) / dy, kTop);
+      if (q.y > r.ymax) return false;
+      enter((r.ymax - p.y) / dy, kTop);
     }
   }
-  return s.t0 > s.t1 ? invisible : s;
+  return true;
+}
+
+Edge_Span edge_span(const Vertex& p, const Vertex& q, const Bounds& r) {
+  Edge_Span s{true, 0.0, 1.0, 0, 0};
+  if (!clip_x(p, q, r, s) || !clip_y(p, q, r, s) || s.t0 > s.t1) return {};
+  return s;
 }
 
 // The point at t on from -> to, on the given side; side 0 is the edge's own
