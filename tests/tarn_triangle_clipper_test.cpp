@@ -143,6 +143,20 @@ INSTANTIATE_TEST_SUITE_P(
                    {{{6, 18, 0}, {13, -1079293905, 58259}, {1216128420, 15, -10607}}},
                    {9, 17, 18, 18},
                    {}},
+        // A sliver from near one corner through the opposite one: eight points,
+        // the most a strip holds; corner depths beyond 32 bits come out as the
+        // integer indefinite.
+        Exact_Case{"eight_points",
+                   {{{-3999, -4000, 0}, {-999971240, -1000004000, 44543}, {28763, 28763, 89330019}}},
+                   kL,
+                   {{-3999, -4000, 0},
+                    {-3999, -4000, 89327094},
+                    {-3999, -4000, 0},
+                    {28760, 28760, 89330019},
+                    {28760, 28760, 89321839},
+                    {-4000, 28760, INT32_MIN},
+                    {28760, -4000, INT32_MIN},
+                    {-4000, -4000, -1218971355}}},
         // A sliver just left of the rectangle and no edge meeting it: the corner
         // test, in doubles, cannot tell 4e-9 at these sizes and takes the whole
         // rectangle as covered. Kept as it is.
