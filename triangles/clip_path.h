@@ -72,9 +72,7 @@ inline void cross_triangle(Filler& filler, const OT_Rendition& rendition, const 
     return;
   }
   OT_DCI_Point pieces[kMaxClipVertices];
-  int n = 0;
-  clip_triangle_to_rectangle(rendition, triangle, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, 0.0f, 0.0f,
-                             0.0f, kWalkLimits, n, pieces, nullptr, nullptr, nullptr);
+  const int n = clip_triangle_to_rectangle(triangle, kWalkLimits, pieces);
   for (int i = 0; i + 2 < n; ++i)
     walk_clipped_triangle(filler, {&pieces[i]}, {&pieces[i + 1]}, {&pieces[i + 2]}, clip, origin_x, origin_y);
 }
