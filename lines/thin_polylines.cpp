@@ -34,6 +34,8 @@ void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int coun
                        [&](const auto& form) { walk_polyline(r, form, count, points, paint); });
 }
 
+}  // namespace
+
 // The flat polyline: a copy of the rendition's colour as a single colour in
 // the RGB32 modes, which have no flat walker of their own.
 template <class Mode>
@@ -54,50 +56,23 @@ void dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendit
   dci_lines<Mode>(object, rendition, count, points, Color_Paint{colors, single_color});
 }
 
-}  // namespace
+template void dci_polyline<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Z_Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                             const OT_DCI_Point*);
+template void dci_polyline<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                               const OT_DCI_Point*);
 
-void mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                         const OT_DCI_Point* points) {
-  dci_polyline<Mapped_Mode>(object, rendition, count, points);
-}
-void z_mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                           const OT_DCI_Point* points) {
-  dci_polyline<Z_Mapped_Mode>(object, rendition, count, points);
-}
-void rgb32_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                        const OT_DCI_Point* points) {
-  dci_polyline<Rgb32_Mode>(object, rendition, count, points);
-}
-void rgb32_alpha_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                              const OT_DCI_Point* points) {
-  dci_polyline<Rgb32_Alpha_Mode>(object, rendition, count, points);
-}
-void z_rgb32_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                          const OT_DCI_Point* points) {
-  dci_polyline<Z_Rgb32_Mode>(object, rendition, count, points);
-}
-void z_rgb32_alpha_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                const OT_DCI_Point* points) {
-  dci_polyline<Z_Rgb32_Alpha_Mode>(object, rendition, count, points);
-}
-
-void rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                  const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
-  dci_colorized_polyline<Rgb32_Mode>(object, rendition, count, points, colors, single_color);
-}
-void rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                        const OT_DCI_Point* points, const OT_RGB32* colors,
-                                        bool single_color) {
-  dci_colorized_polyline<Rgb32_Alpha_Mode>(object, rendition, count, points, colors, single_color);
-}
-void z_rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                    const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
-  dci_colorized_polyline<Z_Rgb32_Mode>(object, rendition, count, points, colors, single_color);
-}
-void z_rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                          const OT_DCI_Point* points, const OT_RGB32* colors,
-                                          bool single_color) {
-  dci_colorized_polyline<Z_Rgb32_Alpha_Mode>(object, rendition, count, points, colors, single_color);
-}
+using Colors = const OT_RGB32*;
+template void dci_colorized_polyline<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                                 const OT_DCI_Point*, Colors, bool);
+template void dci_colorized_polyline<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                                       const OT_DCI_Point*, Colors, bool);
+template void dci_colorized_polyline<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                                   const OT_DCI_Point*, Colors, bool);
+template void dci_colorized_polyline<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                                         const OT_DCI_Point*, Colors, bool);
 
 }  // namespace tarn

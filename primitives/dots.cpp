@@ -50,6 +50,12 @@ void plot_point(const Software_Z_Buffer& r, const auto& plot, const OT_DCI_Point
   plot(p.x - r.origin_x, p.y - r.origin_y, p.z);
 }
 
+bool inside_clip(const OT_Int_Rectangle& clip, const OT_DCI_Point& p) {
+  return p.x >= clip.left && p.x <= clip.right && p.y >= clip.bottom && p.y <= clip.top;
+}
+
+}  // namespace
+
 // A dot is drawn without a clip test: the point is inside by contract. Depth
 // off hands the call to the mode without depth; the forms without depth
 // honour the mask. In the mapped modes a given colour is dithered and never
@@ -75,17 +81,13 @@ void dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_D
   }
 }
 
-bool inside_clip(const OT_Int_Rectangle& clip, const OT_DCI_Point& p) {
-  return p.x >= clip.left && p.x <= clip.right && p.y >= clip.bottom && p.y <= clip.top;
-}
-
 // One-pixel markers in the rendition's colour, clipped point by point to the
 // hard clip. The entry tests, in their order: an opaque colour in the
 // blending modes takes the opaque mode (before the test of depth_enabled);
 // depth off takes the mode without depth; a marker symbol goes to the host.
 // Colour, merge and the clip are taken once; the mask is first asked at the
 // first point drawn, and the forms with depth don't ask it.
-template <class Mode, bool kAlphaTested = false>
+template <class Mode, bool kAlphaTested>
 void polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                 const OT_DCI_Point* points) {
   if constexpr (Mode::kAlpha && !kAlphaTested) {
@@ -111,52 +113,24 @@ void polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int cou
   });
 }
 
-}  // namespace
+template void dci_dot<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+                                   const OT_RGB32*);
+template void dci_dot<Z_Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+                                     const OT_RGB32*);
+template void dci_dot<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+                                  const OT_RGB32*);
+template void dci_dot<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+                                        const OT_RGB32*);
+template void dci_dot<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+                                    const OT_RGB32*);
+template void dci_dot<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+                                          const OT_RGB32*);
 
-void mapped_dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_DCI_Point* point,
-                    const OT_RGB32* color) {
-  dci_dot<Mapped_Mode>(object, rendition, point, color);
-}
-void z_mapped_dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_DCI_Point* point,
-                      const OT_RGB32* color) {
-  dci_dot<Z_Mapped_Mode>(object, rendition, point, color);
-}
-void rgb32_dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_DCI_Point* point,
-                   const OT_RGB32* color) {
-  dci_dot<Rgb32_Mode>(object, rendition, point, color);
-}
-void rgb32_alpha_dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_DCI_Point* point,
-                         const OT_RGB32* color) {
-  dci_dot<Rgb32_Alpha_Mode>(object, rendition, point, color);
-}
-void z_rgb32_dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_DCI_Point* point,
-                     const OT_RGB32* color) {
-  dci_dot<Z_Rgb32_Mode>(object, rendition, point, color);
-}
-void z_rgb32_alpha_dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_DCI_Point* point,
-                           const OT_RGB32* color) {
-  dci_dot<Z_Rgb32_Alpha_Mode>(object, rendition, point, color);
-}
-
-void mapped_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                           const OT_DCI_Point* points) {
-  polymarker<Mapped_Mode>(object, rendition, count, points);
-}
-void rgb32_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                          const OT_DCI_Point* points) {
-  polymarker<Rgb32_Mode>(object, rendition, count, points);
-}
-void rgb32_alpha_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                const OT_DCI_Point* points) {
-  polymarker<Rgb32_Alpha_Mode>(object, rendition, count, points);
-}
-void z_rgb32_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                            const OT_DCI_Point* points) {
-  polymarker<Z_Rgb32_Mode>(object, rendition, count, points);
-}
-void z_rgb32_alpha_2di_polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                  const OT_DCI_Point* points) {
-  polymarker<Z_Rgb32_Alpha_Mode>(object, rendition, count, points);
-}
+template void polymarker<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                             const OT_DCI_Point*);
 
 }  // namespace tarn
