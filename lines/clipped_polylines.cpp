@@ -1,135 +1,27 @@
 #include "lines/clipped_polylines.h"
 
-#include <algorithm>
-#include <cstdlib>
-
-#include "lines/line_walker.h"
-#include "lines/line_writers.h"
+#include "lines/line_forms.h"
 #include "lines/segment_clipper.h"
-#include "lines/thin_polylines.h"
 #include "pixel/entry_tests.h"
-#include "pixel/mask.h"
-#include "triangles/clip_path.h"
+#include "pixel/outcode_buffer.h"
 
 namespace tarn {
 namespace {
 
-// The clipped walker of one crossing segment. Positions are in device space;
-// the origin comes off only where a pixel is addressed.
-template <class Writer>
-void draw_clipped_segment(const Software_Z_Buffer& r, const OT_Int_Rectangle& clip, const OT_DCI_Point& a,
-                          const OT_DCI_Point& b, short start_code, short end_code, const Writer& writer) {
-  const std::int32_t dx = b.x - a.x, dy = b.y - a.y;
-  const std::int32_t sx = dx < 0 ? -1 : 1, sy = dy < 0 ? -1 : 1;
-  // Depth of the k-th pixel from the start along the major axis.
-  const bool x_major = std::abs(dx) > std::abs(dy);
-  const Line_Depth depth =
-      Writer::kDepth ? Line_Depth(a.z, b.z, x_major ? std::abs(dx) : std::abs(dy)) : Line_Depth();
-  auto depth_at = [&depth](std::int32_t k) -> std::uint16_t {
-    if constexpr (!Writer::kDepth) return 0;
-    return static_cast<std::uint16_t>(
-        static_cast<std::int32_t>(depth.pos + depth.step * static_cast<std::uint32_t>(k)) >> 15);
-  };
-  auto put = [&](std::int32_t x, std::int32_t y, std::int32_t k) {
-    writer.pixel(x - r.origin_x, y - r.origin_y, depth_at(k));
-  };
-
-  if (dx == 0) {
-    // Vertical: the column is inside; rows clamped, written upward.
-    std::int32_t low = dy > 0 ? a.y : b.y + 1, high = dy > 0 ? b.y - 1 : a.y;
-    low = std::max(low, clip.bottom);
-    high = std::min(high, clip.top);
-    for (std::int32_t y = low; y <= high; ++y) put(a.x, y, std::abs(y - a.y));
-    return;
-  }
-  if (dy == 0) {
-    std::int32_t low = dx > 0 ? a.x : b.x + 1, high = dx > 0 ? b.x - 1 : a.x;
-    low = std::max(low, clip.left);
-    high = std::min(high, clip.right);
-    for (std::int32_t x = low; x <= high; ++x) put(x, a.y, std::abs(x - a.x));
-    return;
-  }
-
-  Clip_Line line = make_clip_line(a, b);
-  Clip_Rows rows;
-  if (!clip_rows(line, b, start_code, end_code, clip, rows)) return;
-  const std::int32_t n = std::abs(rows.last_row - rows.first_row);
-  const std::int32_t skipped_rows = std::abs(rows.first_row - a.y);
-  const int kind = (line.code - 5) % 3;  // 0 shallow, 1 diagonal, 2 steep
-
-  if (kind == 1) {
-    const std::int32_t count = n + (rows.include_end ? 1 : 0);
-    for (std::int32_t i = 0; i < count; ++i)
-      put(a.x + sx * (skipped_rows + i), rows.first_row + sy * i, skipped_rows + i);
-    return;
-  }
-  if (kind == 2) {
-    // No correction for both directions negative here, unlike the unclipped
-    // walker: a clipped segment of that direction may sit one column over.
-    std::uint32_t pos = (line.pos & 0xFFFF0000u) | 0x8000u;
-    pos += static_cast<std::uint32_t>(skipped_rows) * static_cast<std::uint32_t>(line.step);
-    const std::int32_t count = n + (rows.include_end ? 1 : 0);
-    for (std::int32_t i = 0; i < count; ++i, pos += static_cast<std::uint32_t>(line.step))
-      put(static_cast<std::int32_t>(pos) >> 16, rows.first_row + sy * i, skipped_rows + i);
-    return;
-  }
-
-  // Shallow: the unclipped walker's state taken up at the first row.
-  const std::int32_t step = line.step;
-  const std::uint32_t base = static_cast<std::uint32_t>(a.x) << 16;
-  std::uint32_t start;
-  if (dx > 0 && dy > 0)
-    start = (base | 0xFFFFu) + static_cast<std::uint32_t>(step >> 1);
-  else if (dx < 0 && dy > 0)
-    start = base + static_cast<std::uint32_t>((step + 1) >> 1);
-  else if (dx > 0)
-    start = base + 0x10000u + static_cast<std::uint32_t>(step >> 1);
-  else
-    start = base - 1u + static_cast<std::uint32_t>((step + 1) >> 1);
-  auto hi = [](std::uint32_t p) { return static_cast<std::int32_t>(p) >> 16; };
-
-  std::uint32_t pos = start;
-  std::int32_t column = a.x;
-  if (start_code != 0) {
-    pos = start - static_cast<std::uint32_t>(step) +
-          static_cast<std::uint32_t>(skipped_rows) * static_cast<std::uint32_t>(step);
-    column = hi(pos);
-    column = dx < 0 ? std::min(column, clip.right) : std::max(column, clip.left);
-    pos += static_cast<std::uint32_t>(step);
-  }
-  std::int32_t k = std::abs(column - a.x);
-  auto run = [&](std::int32_t from, std::int32_t to, std::int32_t y) {
-    if (dx > 0) {
-      for (std::int32_t x = from; x < to; ++x) put(x, y, k++);
-    } else {
-      for (std::int32_t x = from; x > to; --x) put(x, y, k++);
-    }
-  };
-  std::int32_t y = rows.first_row;
-  for (std::int32_t i = 0; i < n; ++i, y += sy) {
-    const std::int32_t h = hi(pos);
-    run(column, h, y);
-    column = h;
-    pos += static_cast<std::uint32_t>(step);
-  }
-  std::int32_t stop = b.x;
-  if (end_code != 0) stop = dx < 0 ? std::max(clip.left - 1, hi(pos)) : std::min(clip.right + 1, hi(pos));
-  run(column, stop, y);
-}
-
-using Polyline_Function = void (*)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-
-// The steps common to all modes, from the outcodes on.
-template <class Writer>
+// The steps common to all modes, from the outcodes on. Inside runs are
+// walked whole with the inside form, crossing segments cut to the line limits
+// and walked clipped with the crossing form.
+template <class Paint, class Inside_Form, class Crossing_Form>
 void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                   const OT_DCI_Point* points, Polyline_Function inside, bool keep_depth,
-                   const Writer& writer) {
+                   const OT_DCI_Point* points, bool keep_depth, const Paint& paint,
+                   const Inside_Form& inside_form, const Crossing_Form& crossing_form) {
   const Software_Z_Buffer& r = renderer_of(object);
+  auto inside = [&](int n, const OT_DCI_Point* run) { walk_polyline(r, inside_form, n, run, paint); };
   const OT_Int_Rectangle& clip = rendition->device->hard_clip;
   Outcode_Buffer buffer(count);
   short* codes = buffer.data();
   const int result = OB_Clip(clip, count, points, codes);
-  if (result == count) return inside(object, rendition, count, points);
+  if (result == count) return inside(count, points);
   if (result == 0) return;
   codes[count] = OT_Outcode_End;
   codes[count + 1] = 0;
@@ -146,9 +38,10 @@ void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int 
       if (clip_segment_to_limits(points[i], points[i + 1], cut, keep_depth)) {
         const short start_code = local_outcode(clip, cut[0]), end_code = local_outcode(clip, cut[1]);
         if ((start_code | end_code) == 0)
-          inside(object, rendition, 2, cut);
+          inside(2, cut);
         else if ((start_code & end_code) == 0)
-          draw_clipped_segment(r, clip, cut[0], cut[1], start_code, end_code, writer);
+          walk_segment(crossing_form.plot(paint(0)),
+                       Clipped_Segment(clip, r.origin_x, r.origin_y, start_code, end_code), cut[0], cut[1]);
       }
       ++i;
       continue;
@@ -157,106 +50,71 @@ void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int 
     // segment that follows it, which shows under alpha.
     int j = i + 1;
     while (codes[j + 1] == 0) ++j;
-    inside(object, rendition, j - i + 1, points + i);
+    inside(j - i + 1, points + i);
     i = j;
   }
 }
 
-}  // namespace
-
-void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                         const OT_DCI_Point* points) {
+// The forms of a call in Mode. The mapped depth mode's crossing segments
+// ignore the mask, while its inside runs honour it.
+template <class Mode>
+void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                  const OT_DCI_Point* points) {
   const Software_Z_Buffer& r = renderer_of(object);
-  if (nothing_to_draw(r, count)) return;
-  if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  const Merge_Mapped rule(r);
-  const Mapped_Writer writer{r.color_image->device_rows, static_cast<byte>(rendition->colors->color_index),
-                             merge_on(r, rendition) ? &rule : nullptr};
-  with_line_masking(r, rendition, [&](const auto& wrap) {
-    clip_polyline(object, rendition, count, points, mapped_dci_polyline, false, wrap(writer));
-  });
-}
-
-void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                        const OT_DCI_Point* points) {
-  const Software_Z_Buffer& r = renderer_of(object);
-  if (nothing_to_draw(r, count)) return;
-  if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  with_rgb32_writers<false>(r, rendition, [&](const auto& make) {
-    clip_polyline(object, rendition, count, points, rgb32_dci_polyline, false,
-                  make(rendition->colors->color));
-  });
-}
-
-void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                              const OT_DCI_Point* points) {
-  const Software_Z_Buffer& r = renderer_of(object);
-  if (nothing_to_draw(r, count)) return;
-  if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  with_rgb32_writers<true>(r, rendition, [&](const auto& make) {
-    clip_polyline(object, rendition, count, points, rgb32_alpha_dci_polyline, false,
-                  make(rendition->colors->color));
-  });
-}
-
-// No mask test: the inside runs are masked by the DCI action itself.
-void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                           const OT_DCI_Point* points) {
-  const Software_Z_Buffer& r = renderer_of(object);
-  if (nothing_to_draw(r, count)) return;
-  if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  if (rendition->device->depth_enabled == 0) return mapped_2di_polyline(object, rendition, count, points);
-  const Mapped_Depth_Writer writer{r.color_image->device_rows, r.depth_image->device_rows,
-                                   static_cast<byte>(rendition->colors->color_index)};
-  clip_polyline(object, rendition, count, points, z_mapped_dci_polyline, true, writer);
-}
-
-namespace {
-
-// Behind a mask: at or below, depth always written, and the colour stored
-// whole, alpha not honoured.
-template <bool kBlend>
-void z_rgb32_clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                           const OT_DCI_Point* points, Polyline_Function inside) {
-  const Software_Z_Buffer& r = renderer_of(object);
+  const bool masked = mask_in_force(r, rendition);
   const OT_RGB32 color = rendition->colors->color;
-  byte* const* rows = r.color_image->device_rows;
-  byte* const* depth_rows = r.depth_image->device_rows;
-  if (mask_in_force(r, rendition)) {
-    clip_polyline(
-        object, rendition, count, points, inside, true,
-        Line_Masking(r)(Rgb32_Depth_Writer<Depth_At_Or_Below, true, false>{rows, depth_rows, color}));
-    return;
-  }
-  with_depth_test(r.depth_test, [&]<class Test>() {
-    if (r.depth_write)
-      clip_polyline(object, rendition, count, points, inside, true,
-                    Rgb32_Depth_Writer<Test, true, kBlend>{rows, depth_rows, color});
+  auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
+    if constexpr (Mode::kMapped)
+      clip_polyline(object, rendition, count, points, Mode::kDepth,
+                    Index_Paint{static_cast<byte>(rendition->colors->color_index)}, inside_form,
+                    crossing_form);
     else
-      clip_polyline(object, rendition, count, points, inside, true,
-                    Rgb32_Depth_Writer<Test, false, kBlend>{rows, depth_rows, color});
-  });
+      clip_polyline(object, rendition, count, points, Mode::kDepth, Color_Paint{&color, true}, inside_form,
+                    crossing_form);
+  };
+  if constexpr (Mode::kMapped && Mode::kDepth) {
+    with_line_form<Mode>(r, rendition, false, [&](const auto& crossing_form) {
+      if (masked)
+        with_line_form<Mode>(r, rendition, true,
+                             [&](const auto& inside_form) { clip_with(inside_form, crossing_form); });
+      else
+        clip_with(crossing_form, crossing_form);
+    });
+  } else {
+    with_line_form<Mode>(r, rendition, masked, [&](const auto& form) { clip_with(form, form); });
+  }
 }
 
 }  // namespace
 
-void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                          const OT_DCI_Point* points) {
-  const Software_Z_Buffer& r = renderer_of(object);
-  if (nothing_to_draw(r, count)) return;
+// The 2DI line family. The entry tests, in their order: no image or a short
+// list returns; wide or patterned lines go to the host; depth off takes the
+// mode without depth. A single opaque colour in the blending mode without
+// depth is drawn by the opaque mode, as its DCI action would draw the inside
+// runs: the weight blend of alpha 255 stores the colour itself.
+template <class Mode>
+void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                      const OT_DCI_Point* points) {
+  if (nothing_to_draw(renderer_of(object), count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  if (rendition->device->depth_enabled == 0) return rgb32_2di_polyline(object, rendition, count, points);
-  z_rgb32_clip_polyline<false>(object, rendition, count, points, z_rgb32_dci_polyline);
+  if constexpr (Mode::kDepth) {
+    if (depth_off(rendition)) return clip_in_mode<Without_Depth<Mode>>(object, rendition, count, points);
+  }
+  if constexpr (Mode::kAlpha && !Mode::kDepth) {
+    if (rendition->colors->color.a > 254) return clip_in_mode<Opaque<Mode>>(object, rendition, count, points);
+  }
+  clip_in_mode<Mode>(object, rendition, count, points);
 }
 
-void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                const OT_DCI_Point* points) {
-  const Software_Z_Buffer& r = renderer_of(object);
-  if (nothing_to_draw(r, count)) return;
-  if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
-  if (rendition->device->depth_enabled == 0)
-    return rgb32_alpha_2di_polyline(object, rendition, count, points);
-  z_rgb32_clip_polyline<true>(object, rendition, count, points, z_rgb32_alpha_dci_polyline);
-}
+template void clipped_polyline<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void clipped_polyline<Z_Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                              const OT_DCI_Point*);
+template void clipped_polyline<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void clipped_polyline<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                                 const OT_DCI_Point*);
+template void clipped_polyline<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                             const OT_DCI_Point*);
+template void clipped_polyline<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                                   const OT_DCI_Point*);
 
 }  // namespace tarn

@@ -1,22 +1,21 @@
 // The 2DI thin polylines of every mode: points anywhere, clipped to the hard
-// clip on the way to the walkers.
+// clip on the way to the walker; one template by mode.
 #pragma once
 
 #include "frame/software_z_buffer.h"
+#include "pixel/point_writers.h"
 
 namespace tarn {
 
-void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                         const OT_DCI_Point* points);
-void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                           const OT_DCI_Point* points);
-void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                        const OT_DCI_Point* points);
-void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                              const OT_DCI_Point* points);
-void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                          const OT_DCI_Point* points);
-void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                const OT_DCI_Point* points);
+template <class Mode>
+void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                      const OT_DCI_Point* points);
+
+inline constexpr auto mapped_2di_polyline = &clipped_polyline<Mapped_Mode>;
+inline constexpr auto z_mapped_2di_polyline = &clipped_polyline<Z_Mapped_Mode>;
+inline constexpr auto rgb32_2di_polyline = &clipped_polyline<Rgb32_Mode>;
+inline constexpr auto rgb32_alpha_2di_polyline = &clipped_polyline<Rgb32_Alpha_Mode>;
+inline constexpr auto z_rgb32_2di_polyline = &clipped_polyline<Z_Rgb32_Mode>;
+inline constexpr auto z_rgb32_alpha_2di_polyline = &clipped_polyline<Z_Rgb32_Alpha_Mode>;
 
 }  // namespace tarn

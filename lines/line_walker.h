@@ -4,24 +4,40 @@
 // polyline writes its last point once, after the loop, so inner points are
 // hit exactly once.
 //
-// Precision: columns and rows are window-relative and lie in 0..65535; the
-// clip limits keep |dx| and |dy| below 32768, so d << 16 fits in 32 bits.
+// One walker serves whole segments and segments that cross the hard clip.
+// The clipping policy says where the walk starts and stops: a clipped walk
+// takes up the whole walk's state at its first visible row (`row_at`), so
+// that both write the same pixels inside the rectangle, except where the two
+// are known to differ (the steep correction, the signed column below).
 //
-// A writer supplies
+// Precision: a whole segment is in window-relative columns and rows, which
+// lie in 0..65535, and its column is the upper half of the 16.16 position as
+// an unsigned number. A clipped segment is in device space, cut to the line
+// limits first, so every coordinate lies in -4000..28760 and its column is
+// the upper half as a signed number. Either way |dx| and |dy| stay below
+// 32768 (kMaxWalkSpan), so d << 16 fits in 32 bits, and position and depth
+// arithmetic wraps in 32 unsigned bits exactly as the running sums expect: a
+// clipped start adds (skipped steps) * step in one product, which equals the
+// same number of single additions modulo 2^32.
+//
+// A plot supplies
 //   static constexpr bool kDepth;
-//   void pixel(int32_t column, int32_t row, uint16_t depth) const;
-// called in visiting order; depth is the interpolated candidate (0 without
-// depth).
+//   void operator()(std::int32_t column, std::int32_t row, std::uint16_t depth) const;
+// called with window-relative positions; depth is the interpolated candidate
+// (0 without depth).
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 
+#include "host/ot_base.h"
 #include "pixel/fixed_point.h"
 
 namespace tarn {
 
-// Depth along a segment: 17.15 from the start point's z.
+// Depth along a segment: 17.15 from the start point's z, n steps of the
+// major axis to the end.
 struct Line_Depth {
   std::uint32_t pos = 0;
   std::uint32_t step = 0;
@@ -31,6 +47,7 @@ struct Line_Depth {
       : pos((static_cast<std::uint32_t>(z0) << 15) | 0x4000u),
         step(static_cast<std::uint32_t>(slope15(wrap_sub(z1, z0), n))) {}
 
+  void skip(std::int32_t k) { pos += step * static_cast<std::uint32_t>(k); }
   std::uint16_t next() {
     const std::uint16_t candidate = static_cast<std::uint16_t>(static_cast<std::int32_t>(pos) >> 15);
     pos += step;
@@ -38,83 +55,151 @@ struct Line_Depth {
   }
 };
 
-template <class Writer>
-inline void walk_segment(const Writer& writer, std::int32_t x0, std::int32_t y0, std::int32_t z0,
-                         std::int32_t x1, std::int32_t y1, std::int32_t z1) {
-  const std::int32_t dx = x1 - x0, dy = y1 - y0;
+// The 16.16 position of a shallow segment before its first row, rounded by
+// direction.
+inline std::uint32_t shallow_start(std::int32_t x0, std::int32_t dx, std::int32_t dy, std::int32_t step) {
+  const std::uint32_t base = static_cast<std::uint32_t>(x0) << 16;
+  if (dx > 0 && dy > 0) return (base | 0xFFFFu) + static_cast<std::uint32_t>(step >> 1);
+  if (dx < 0 && dy > 0) return base + static_cast<std::uint32_t>((step + 1) >> 1);
+  if (dx > 0) return base + 0x10000u + static_cast<std::uint32_t>(step >> 1);
+  return base - 1u + static_cast<std::uint32_t>((step + 1) >> 1);
+}
+
+// The rows a walk visits: from first_row, |n| rows before last_row, and the
+// last row itself when include_end.
+struct Clip_Rows {
+  std::int32_t first_row, last_row;
+  bool include_end;
+};
+
+// The policy of a whole segment: window-relative ends, nothing cut.
+struct Whole_Segment {
+  static constexpr bool kClipped = false;
+  static constexpr std::int32_t origin_x = 0, origin_y = 0;
+  static std::int32_t column(std::uint32_t pos) { return static_cast<std::int32_t>(pos >> 16); }
+};
+
+// Walks a..b. Clip is Whole_Segment, or a policy with kClipped that also has
+// the device rectangle (left, right, bottom, top), the window origin, the
+// two ends' outcodes (start_code, end_code), column(pos), and
+// rows(a, b, Clip_Rows&), false when the segment misses the rectangle.
+// Flattened: the slope, the start rule and the plot are inlined into the
+// loops, which a segment of a few pixels notices.
+template <class Plot, class Clip>
+[[gnu::flatten]] inline void walk_segment(const Plot& plot, const Clip& clip, const OT_DCI_Point& a,
+                                          const OT_DCI_Point& b) {
+  const std::int32_t dx = b.x - a.x, dy = b.y - a.y;
   const std::int32_t adx = std::abs(dx), ady = std::abs(dy);
   const std::int32_t sx = dx < 0 ? -1 : 1, sy = dy < 0 ? -1 : 1;
   Line_Depth depth;
-  auto candidate = [&depth]() -> std::uint16_t {
-    if constexpr (Writer::kDepth) return depth.next();
-    return 0;
+  // n: steps of the major axis; k: steps skipped before the first pixel.
+  auto start_depth = [&](std::int32_t n, std::int32_t k) {
+    if constexpr (Plot::kDepth) {
+      depth = Line_Depth(a.z, b.z, n);
+      if constexpr (Clip::kClipped) depth.skip(k);
+    }
   };
-  auto start_depth = [&](std::int32_t n) {
-    if constexpr (Writer::kDepth) depth = Line_Depth(z0, z1, n);
+  auto put = [&](std::int32_t x, std::int32_t y) {
+    std::uint16_t candidate = 0;
+    if constexpr (Plot::kDepth) candidate = depth.next();
+    plot(x - clip.origin_x, y - clip.origin_y, candidate);
+  };
+  // Where a walk along one axis enters and leaves [low, high], by direction.
+  auto enter = [](std::int32_t v, std::int32_t s, std::int32_t low, std::int32_t high) {
+    return s > 0 ? std::max(v, low) : std::min(v, high);
+  };
+  auto leave = [](std::int32_t v, std::int32_t s, std::int32_t low, std::int32_t high) {
+    return s > 0 ? std::min(v, high + 1) : std::max(v, low - 1);
   };
 
   if (dy == 0) {
     if (dx == 0) return;  // no pixel, and no dot either
-    start_depth(adx);
-    for (std::int32_t x = x0; x != x1; x += sx) writer.pixel(x, y0, candidate());
+    std::int32_t first = a.x, stop = b.x;
+    if constexpr (Clip::kClipped) {
+      first = enter(first, sx, clip.left, clip.right);
+      stop = leave(stop, sx, clip.left, clip.right);
+    }
+    start_depth(adx, std::abs(first - a.x));
+    for (std::int32_t i = 0, x = first; i < (stop - first) * sx; ++i, x += sx) put(x, a.y);
     return;
   }
   if (dx == 0) {
-    start_depth(ady);
-    for (std::int32_t y = y0; y != y1; y += sy) writer.pixel(x0, y, candidate());
+    std::int32_t first = a.y, stop = b.y;
+    if constexpr (Clip::kClipped) {
+      first = enter(first, sy, clip.bottom, clip.top);
+      stop = leave(stop, sy, clip.bottom, clip.top);
+    }
+    start_depth(ady, std::abs(first - a.y));
+    for (std::int32_t i = 0, y = first; i < (stop - first) * sy; ++i, y += sy) put(a.x, y);
     return;
   }
+
+  Clip_Rows rows{a.y, b.y, false};
+  if constexpr (Clip::kClipped) {
+    if (!clip.rows(a, b, rows)) return;
+  }
+  const std::int32_t n = std::abs(rows.last_row - rows.first_row);
+  const std::int32_t skipped = std::abs(rows.first_row - a.y);
+  const std::int32_t count = n + (rows.include_end ? 1 : 0);
+
   if (adx == ady) {
-    start_depth(ady);
-    for (std::int32_t i = 0, x = x0, y = y0; i < ady; ++i, x += sx, y += sy) writer.pixel(x, y, candidate());
+    start_depth(ady, skipped);
+    for (std::int32_t i = 0, x = a.x + sx * skipped, y = rows.first_row; i < count; ++i, x += sx, y += sy)
+      put(x, y);
     return;
   }
 
   const std::int32_t step = slope(dx, ady);
   if (ady > adx) {
-    // Steep. Only when both run negative is the start lowered, so that the
-    // segment and its reverse hit the same pixels; the other two directions
-    // are not each other's mirror.
-    start_depth(ady);
-    std::uint32_t pos = (static_cast<std::uint32_t>(x0) << 16) | 0x8000u;
-    if (dx < 0 && dy < 0)
+    // Steep. Only when both run negative is a whole segment's start lowered,
+    // so that the segment and its reverse hit the same pixels; the other two
+    // directions are not each other's mirror. A clipped segment has no such
+    // correction and may sit one column over.
+    start_depth(ady, skipped);
+    std::uint32_t pos = (static_cast<std::uint32_t>(a.x) << 16) | 0x8000u;
+    if constexpr (Clip::kClipped)
+      pos += static_cast<std::uint32_t>(skipped) * static_cast<std::uint32_t>(step);
+    else if (dx < 0 && dy < 0)
       pos -= (static_cast<std::uint32_t>(step) * static_cast<std::uint32_t>(ady)) & 0xFFFFu;
-    for (std::int32_t i = 0, y = y0; i < ady; ++i, y += sy) {
-      writer.pixel(static_cast<std::int32_t>(pos >> 16), y, candidate());
+    for (std::int32_t i = 0, y = rows.first_row; i < count; ++i, y += sy) {
+      put(clip.column(pos), y);
       pos += static_cast<std::uint32_t>(step);
     }
     return;
   }
 
-  // Shallow: a run a row, the start rounded by direction.
-  start_depth(adx);
-  std::uint32_t pos;
-  const std::uint32_t base = static_cast<std::uint32_t>(x0) << 16;
-  if (dx > 0 && dy > 0)
-    pos = (base | 0xFFFFu) + static_cast<std::uint32_t>(step >> 1);
-  else if (dx < 0 && dy > 0)
-    pos = base + static_cast<std::uint32_t>((step + 1) >> 1);
-  else if (dx > 0)
-    pos = base + 0x10000u + static_cast<std::uint32_t>(step >> 1);
-  else
-    pos = base - 1u + static_cast<std::uint32_t>((step + 1) >> 1);
-
+  // Shallow: a run a row. A clipped start takes up the whole walk's position
+  // one row before the first visible row, its column held to the rectangle.
+  std::uint32_t pos = shallow_start(a.x, dx, dy, step);
+  std::int32_t column = a.x;
+  if constexpr (Clip::kClipped) {
+    if (clip.start_code != 0) {
+      pos += static_cast<std::uint32_t>(skipped - 1) * static_cast<std::uint32_t>(step);
+      column = dx < 0 ? std::min(clip.column(pos), clip.right) : std::max(clip.column(pos), clip.left);
+      pos += static_cast<std::uint32_t>(step);
+    }
+  }
+  start_depth(adx, std::abs(column - a.x));
   auto run = [&](std::int32_t from, std::int32_t to, std::int32_t y) {
     if (dx > 0) {
-      for (std::int32_t x = from; x < to; ++x) writer.pixel(x, y, candidate());
+      for (std::int32_t x = from; x < to; ++x) put(x, y);
     } else {
-      for (std::int32_t x = from; x > to; --x) writer.pixel(x, y, candidate());
+      for (std::int32_t x = from; x > to; --x) put(x, y);
     }
   };
-  std::int32_t x = x0, y = y0;
-  for (std::int32_t round = 0; round < ady; ++round) {
-    const std::int32_t hi = static_cast<std::int32_t>(pos >> 16);
-    run(x, hi, y);
-    x = hi;
-    y += sy;
-    if (round + 1 < ady) pos += static_cast<std::uint32_t>(step);
+  std::int32_t y = rows.first_row;
+  for (std::int32_t i = 0; i < n; ++i, y += sy) {
+    const std::int32_t hi = clip.column(pos);
+    run(column, hi, y);
+    column = hi;
+    pos += static_cast<std::uint32_t>(step);
   }
-  run(x, x1, y1);
+  std::int32_t stop = b.x;
+  if constexpr (Clip::kClipped) {
+    if (clip.end_code != 0)
+      stop = dx < 0 ? std::max(clip.left - 1, clip.column(pos)) : std::min(clip.right + 1, clip.column(pos));
+  }
+  run(column, stop, y);
 }
 
 }  // namespace tarn

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "pixel/fixed_point.h"
 #include "pixel/limits.h"
 #include "pixel/rounding.h"
-#include "pixel/fixed_point.h"
 
 namespace tarn {
 namespace {

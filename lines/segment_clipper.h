@@ -5,6 +5,7 @@
 #pragma once
 
 #include "host/ombra.h"
+#include "lines/line_walker.h"
 
 namespace tarn {
 
@@ -48,11 +49,33 @@ std::int32_t row_at(const Clip_Line& line, std::int32_t c, const OT_Int_Rectangl
 
 // Rows of a crossing segment that is neither vertical nor horizontal: false
 // when it passes a corner and misses the rectangle.
-struct Clip_Rows {
-  std::int32_t first_row, last_row;
-  bool include_end;
-};
 bool clip_rows(const Clip_Line& line, const OT_DCI_Point& b, short start_code, short end_code,
                const OT_Int_Rectangle& clip, Clip_Rows& rows);
+
+// The walker's policy for a segment that crosses the hard clip: device
+// space, the window origin coming off where a pixel is addressed, so that the
+// rectangle tests compare device coordinates.
+struct Clipped_Segment {
+  static constexpr bool kClipped = true;
+  const OT_Int_Rectangle& clip;
+  std::int32_t left, right, bottom, top;
+  std::int32_t origin_x, origin_y;
+  short start_code, end_code;
+
+  Clipped_Segment(const OT_Int_Rectangle& c, std::int32_t ox, std::int32_t oy, short start, short end)
+      : clip(c),
+        left(c.left),
+        right(c.right),
+        bottom(c.bottom),
+        top(c.top),
+        origin_x(ox),
+        origin_y(oy),
+        start_code(start),
+        end_code(end) {}
+  static std::int32_t column(std::uint32_t pos) { return static_cast<std::int32_t>(pos) >> 16; }
+  bool rows(const OT_DCI_Point& a, const OT_DCI_Point& b, Clip_Rows& out) const {
+    return clip_rows(make_clip_line(a, b), b, start_code, end_code, clip, out);
+  }
+};
 
 }  // namespace tarn

@@ -1,33 +1,31 @@
-// Thin one-colour polylines at trusted integer points, in every mode.
+// Thin polylines at trusted integer points: the one-colour form of every mode
+// and the colorized form of the RGB32 modes, each one template by mode.
 #pragma once
 
 #include "frame/software_z_buffer.h"
+#include "pixel/point_writers.h"
 
 namespace tarn {
 
-void mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                         const OT_DCI_Point* points);
-void z_mapped_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                           const OT_DCI_Point* points);
-void rgb32_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                        const OT_DCI_Point* points);
-void rgb32_alpha_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                              const OT_DCI_Point* points);
-void z_rgb32_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                          const OT_DCI_Point* points);
-void z_rgb32_alpha_dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                const OT_DCI_Point* points);
+template <class Mode>
+void dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                  const OT_DCI_Point* points);
 
-// The RGB32 walkers: one colour a segment, or colors[0] for all.
-void rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                  const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color);
-void rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                        const OT_DCI_Point* points, const OT_RGB32* colors,
-                                        bool single_color);
-void z_rgb32_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                    const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color);
-void z_rgb32_alpha_dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                          const OT_DCI_Point* points, const OT_RGB32* colors,
-                                          bool single_color);
+// One colour a segment, or colors[0] for all.
+template <class Mode>
+void dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                            const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color);
+
+inline constexpr auto mapped_dci_polyline = &dci_polyline<Mapped_Mode>;
+inline constexpr auto z_mapped_dci_polyline = &dci_polyline<Z_Mapped_Mode>;
+inline constexpr auto rgb32_dci_polyline = &dci_polyline<Rgb32_Mode>;
+inline constexpr auto rgb32_alpha_dci_polyline = &dci_polyline<Rgb32_Alpha_Mode>;
+inline constexpr auto z_rgb32_dci_polyline = &dci_polyline<Z_Rgb32_Mode>;
+inline constexpr auto z_rgb32_alpha_dci_polyline = &dci_polyline<Z_Rgb32_Alpha_Mode>;
+
+inline constexpr auto rgb32_dci_colorized_polyline = &dci_colorized_polyline<Rgb32_Mode>;
+inline constexpr auto rgb32_alpha_dci_colorized_polyline = &dci_colorized_polyline<Rgb32_Alpha_Mode>;
+inline constexpr auto z_rgb32_dci_colorized_polyline = &dci_colorized_polyline<Z_Rgb32_Mode>;
+inline constexpr auto z_rgb32_alpha_dci_colorized_polyline = &dci_colorized_polyline<Z_Rgb32_Alpha_Mode>;
 
 }  // namespace tarn

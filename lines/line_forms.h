@@ -1,0 +1,103 @@
+// The writers of a line call, chosen once per call by mode, merge, mask and
+// depth options, and the polyline walk over them. A form gives the plot of a
+// segment in its colour and the plot of the polyline's last point.
+#pragma once
+
+#include "lines/line_walker.h"
+#include "pixel/mask.h"
+#include "pixel/point_writers.h"
+
+namespace tarn {
+
+// A segment's colour: the rendition's index for all segments, or colors[i]
+// (colors[0] for all when single).
+struct Index_Paint {
+  byte index;
+  byte operator()(int) const { return index; }
+};
+struct Color_Paint {
+  const OT_RGB32* colors;
+  bool single;
+  OT_RGB32 operator()(int i) const { return colors[single ? 0 : i]; }
+};
+
+template <class Stores, class Wrap>
+struct Color_Line_Form {
+  static constexpr bool kDepth = false;
+  const Software_Z_Buffer* r;
+  Stores stores;
+  Wrap wrap;
+  template <class C>
+  auto plot(C c) const {
+    return color_plot(*r, wrap(stores(c)));
+  }
+  template <class C>
+  auto last(C c) const {
+    return plot(c);
+  }
+};
+
+// The last point of a depth polyline tests its z as a signed number against
+// the stored word, greater skips; otherwise colour and the low 16 bits of z,
+// whatever the depth options say.
+template <class Test, bool kWriteDepth, class Stores, class Wrap>
+struct Depth_Line_Form {
+  static constexpr bool kDepth = true;
+  const Software_Z_Buffer* r;
+  Stores stores;
+  Wrap wrap;
+  template <class C>
+  auto plot(C c) const {
+    return depth_plot<Test, kWriteDepth>(*r, wrap(stores(c)));
+  }
+  template <class C>
+  auto last(C c) const {
+    return depth_plot<Depth_At_Or_Below, true>(*r, wrap(stores(c)));
+  }
+};
+
+// Runs body(form) with the form of a line call in Mode, behind the mask when
+// masked. The mapped depth form tests at or below and always writes depth,
+// whatever the options. Behind a mask the RGB32 depth forms do the same and
+// store the colour whole: the depth-alpha mode ignores alpha there.
+template <class Mode, class Body>
+inline void with_line_form(const Software_Z_Buffer& r, const OT_Rendition& rendition, bool masked,
+                           Body&& body) {
+  auto wrapped = [&]<class Make>(Make&& make) {
+    if (masked)
+      body(make(Masking(r)));
+    else
+      body(make(No_Masking{}));
+  };
+  if constexpr (!Mode::kDepth) {
+    with_color_stores<Mode>(r, rendition, [&]<class Stores>(const Stores& stores) {
+      wrapped([&]<class Wrap>(const Wrap& wrap) { return Color_Line_Form<Stores, Wrap>{&r, stores, wrap}; });
+    });
+  } else if constexpr (Mode::kMapped) {
+    wrapped([&]<class Wrap>(const Wrap& wrap) {
+      return Depth_Line_Form<Depth_At_Or_Below, true, Index_Stores, Wrap>{&r, {}, wrap};
+    });
+  } else if (masked) {
+    body(Depth_Line_Form<Depth_At_Or_Below, true, Word_Stores, Masking>{&r, {}, Masking(r)});
+  } else {
+    with_depth_options(r, [&]<class Test, bool kWriteDepth>() {
+      body(Depth_Line_Form<Test, kWriteDepth, Depth_Color_Stores<Mode>, No_Masking>{&r, {}, {}});
+    });
+  }
+}
+
+// Segments in order, then the last point once, in the last segment's colour.
+template <class Form, class Paint>
+inline void walk_polyline(const Software_Z_Buffer& r, const Form& form, int count, const OT_DCI_Point* points,
+                          const Paint& paint) {
+  auto window = [&r](const OT_DCI_Point& p) { return OT_DCI_Point{p.x - r.origin_x, p.y - r.origin_y, p.z}; };
+  OT_DCI_Point a = window(points[0]);
+  for (int i = 0; i + 1 < count; ++i) {
+    const OT_DCI_Point b = window(points[i + 1]);
+    walk_segment(form.plot(paint(i)), Whole_Segment{}, a, b);
+    a = b;
+  }
+  form.last(paint(count - 2))(a.x, a.y, a.z);
+}
+
+}  // namespace tarn
