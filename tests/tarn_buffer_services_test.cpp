@@ -229,27 +229,6 @@ TEST(Read, Rgb32ReadCopiesWhatTheCutsLeave) {
   }
 }
 
-// A full-frame image of the buffer's size is refreshed in part, through its
-// own rows by device row number, from first.x less the origin, as many
-// pixels as the request is wide less the origin.
-TEST(Read, FullFrameImageIsRefreshedInPart) {
-  Renderer_Harness h(kRgb32, 16, 12, {3, 0}, kPadded);
-  OT_Shared_Image_Data& buffer = *h.renderer().color_image;
-  fill_pattern(buffer);
-  const OT_Shared_Image held(16, 12, OT_Image_Format_RGB32, 64, nullptr, false);
-  held->full_frame = 1;
-  std::memset(held->top_rows[0], 0xEE, 64 * 12);
-  std::vector<byte> expected = memory_of(*held);
-  for (int y = 6; y >= 2; --y)
-    for (int x = 3; x < 13; ++x)
-      std::memcpy(&expected[std::size_t(held->top_rows[y] - held->top_rows[0]) + x * 4],
-                  buffer.top_rows[y] + x * 4, 4);
-  OT_Shared_Image image = held;
-  read(h, false, {6, 6, 0}, {8, 2, 0}, OT_Image_Format_Native, image);
-  ASSERT_EQ(image.get(), held.get());
-  EXPECT_TRUE(memory_of(*held) == expected);
-}
-
 // ---- Writing depth and the window update ----------------------------------------------
 
 TEST(Write_Depth, RowsFromFirstDownwardsCutOnTheRightOnly) {

@@ -162,21 +162,6 @@ TEST(Establish, ClientColorBufferIsKeptOrReplacedBySystemFormatAndSize) {
             Renderer_Harness::kColor.word());
 }
 
-TEST(Establish, CubeIsCopiedFromThePaletteAndKeptWhenThePaletteHasNone) {
-  Renderer_Pointer r = make_renderer();
-  const OT_Palette cubed = OB_Cube_Palette({3, 4, 5}, 10);
-  r->requested_renderer_options.set_palette(cubed);
-  establish_in(*r, kMapped);
-  EXPECT_EQ(r->cube.base, 10u);
-  EXPECT_EQ(r->cube.red_step, cubed->color_cube->red_step);
-  EXPECT_EQ(r->cube.green_step, cubed->color_cube->green_step);
-  EXPECT_EQ(r->cube.red_scale, cubed->color_cube->red_scale);
-  r->requested_renderer_options.set_palette(OT_Palette(new OT_Palette_Data));
-  establish_in(*r, kMapped);
-  EXPECT_EQ(r->cube.base, 10u);
-  EXPECT_EQ(r->cube.blue_scale, cubed->color_cube->blue_scale);
-}
-
 // "Use Mask" on: the renderer's own cache or the client's, emptied by every
 // establish; off: released.
 TEST(Establish, MaskCacheIsMadeOrAdoptedAndEmptiedEachTime) {
@@ -336,36 +321,6 @@ TEST(Options, AllEighteenInBothTablesWithTheCapabilityDefaults) {
     EXPECT_EQ(table->find(L"Mask Cache")->scope(), OT_Option_Enum::Instance);
     EXPECT_EQ(table->find(L"Mask Cache")->as_pointer(), &shared_cache);
   }
-}
-
-// The setters survive establish and act with no establish in between;
-// "Margin", "Clip Phase" and "Depth Buffer" change no pixel.
-TEST(Options, SettersActAtOnceAndInertOptionsChangeNothing) {
-  Renderer_Harness h(kZRgb32), plain(kZRgb32);
-  Software_Z_Buffer& r = h.renderer();
-  set_current(r, L"Margin", OT_Option_Value::of_int(7));
-  set_current(r, L"Clip Phase", OT_Option_Value::of_bool(true));
-  ASSERT_EQ(r.establish(), 0);
-  h.clear();
-  h.set_depth_test(1);
-  EXPECT_EQ(r.depth_test, 1);
-  h.set_depth_write(0);
-  EXPECT_EQ(r.depth_write, 0);
-  plain.set_depth_test(1);
-  plain.set_depth_write(0);
-  for (Renderer_Harness* each : {&h, &plain}) {
-    each->draw_dci(rectangle(0, 0, 30, 30, 500));
-    each->set_color(OT_RGB32{0, 255, 0, 255}, 3);
-    each->draw_dci(rectangle(10, 10, 40, 40, 500));
-    each->line({{0, 40, 9}, {60, 44, 9}});
-  }
-  EXPECT_EQ(h.snapshot(), plain.snapshot());
-  EXPECT_EQ(h.pixel(12, 12), (OT_RGB32{0, 255, 0, 255}.word()));  // no depth was written
-  h.set_depth_write(1);
-  h.draw_dci(rectangle(0, 0, 30, 30, 500));
-  h.set_color(Renderer_Harness::kColor, 9);
-  h.draw_dci(rectangle(0, 0, 30, 30, 500));
-  EXPECT_EQ(h.pixel(12, 12), (OT_RGB32{0, 255, 0, 255}.word()));  // test 1: equal fails
 }
 
 }  // namespace

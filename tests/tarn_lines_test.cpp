@@ -159,8 +159,11 @@ TEST(Line_Depth, WalkersAndTheFinalPixelFollowTheirOwnRules) {
     EXPECT_EQ(h.depth(10, 4), 0xFFFF);
     EXPECT_EQ(h.pixel(10, 4), h.drawn_value());
     h.poke_depth(10, 6, 50);
+    h.poke_depth(10, 7, 50);
     h.line({{0, 6, 5}, {10, 6, 51}});
+    h.line({{0, 7, 5}, {10, 7, 50}});
     EXPECT_EQ(h.pixel(10, 6), h.clear_value());
+    EXPECT_EQ(h.pixel(10, 7), h.drawn_value());
     // depth_enabled 0: no read, no write.
     h.poke_depth(5, 8, 0);
     h.rendition().writable_device()->depth_enabled = 0;
@@ -217,6 +220,16 @@ TEST(Line_Clip, ClippedSegmentsWriteWhatTheUnclippedWalkerWritesInside) {
 
 // Down and to the left, steep: the clipped walker has no correction, and
 // row_at follows it; the drawn segment differs from the unclipped one.
+TEST(Line_Clip, OutcodesIncludeTheSidesOfTheRectangle) {
+  const OT_Int_Rectangle clip{100, 130, 60, 190};
+  const struct {
+    int x, y;
+    short code;
+  } cases[] = {{100, 60, 0},  {130, 190, 0}, {99, 100, 1}, {131, 100, 4},
+               {110, 191, 2}, {110, 59, 8},  {99, 191, 3}, {131, 59, 12}};
+  for (const auto& c : cases) EXPECT_EQ(local_outcode(clip, {c.x, c.y, 0}), c.code) << c.x << "," << c.y;
+}
+
 TEST(Line_Clip, CodeSevenTakesTheUncorrectedColumn) {
   const OT_DCI_Point a{140, 180, 0}, b{95, 60, 0};
   const Clip_Line line = make_clip_line(a, b);

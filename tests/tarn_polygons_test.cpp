@@ -190,25 +190,5 @@ TEST(Polygons, EdgeDepthBiasReachesTheTrianglesOfTheFloatFormsOnly) {
   }
 }
 
-// The triangles of an L, in every form, meet without gap or overlap: each
-// pixel of its area is blended exactly once, 0 + (255 * 128) / 255 = 128.
-TEST(Polygons, ConcaveLIsFilledOnceEverywhere) {
-  const std::vector<OT_Point> l{{5, 3, 0}, {50, 3, 0}, {50, 15, 0}, {20, 15, 0}, {20, 40, 0}, {5, 40, 0}};
-  const Pixels expected = [] {
-    Pixels out = rows_of({});
-    for (int y = 3; y < 40; ++y)
-      for (int x = 5; x < (y < 15 ? 50 : 20); ++x) out.insert({x, y});
-    return out;
-  }();
-  for (Slot form : {d2, dc, d2i, dci}) {
-    Renderer_Harness h(kRgb32Alpha);
-    h.set_color(OT_RGB32{0, 0, 255, 128}, 0);
-    polygon(h, form, l, nullptr);
-    EXPECT_EQ(h.drawn(), expected) << form;
-    for (const auto& [x, y] : expected)
-      ASSERT_EQ(h.pixel(x, y), (OT_RGB32{0, 0, 128, 255}.word())) << x << "," << y;
-  }
-}
-
 }  // namespace
 }  // namespace tarn::testing
