@@ -323,5 +323,22 @@ TEST(Options, AllEighteenInBothTablesWithTheCapabilityDefaults) {
   }
 }
 
+// "Margin", "Clip Phase" and "Depth Buffer" change no pixel.
+TEST(Options, InertOptionsChangeNothing) {
+  Renderer_Harness h(kZRgb32), plain(kZRgb32);
+  Software_Z_Buffer& r = h.renderer();
+  set_current(r, L"Margin", OT_Option_Value::of_int(7));
+  set_current(r, L"Clip Phase", OT_Option_Value::of_bool(true));
+  const OT_Shared_Image other(64, 48, OT_Image_Format_Depth16, 0, nullptr, false);
+  set_current(r, L"Depth Buffer", OT_Option_Value(static_cast<const void*>(other.get())));
+  ASSERT_EQ(r.establish(), 0);
+  h.clear();
+  for (Renderer_Harness* each : {&h, &plain}) {
+    each->draw_dci(rectangle(0, 0, 30, 30, 500));
+    each->line_2di({{-5, 40, 9}, {60, 44, 9}});
+  }
+  EXPECT_EQ(h.snapshot(), plain.snapshot());
+  EXPECT_NE(r.depth_image.get(), other.get());
+}
 }  // namespace
 }  // namespace tarn::testing

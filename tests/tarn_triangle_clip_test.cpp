@@ -197,6 +197,11 @@ TEST(Triangle_Clipper, StripsOfTheClippedPolygon) {
   // All inside: the triangle, p0 last.
   EXPECT_EQ(clip({{10, 10, 1}, {90, 10, 2}, {50, 90, 3}}, kBox).xyz(),
             (std::vector<Xyz>{{90, 10, 2}, {50, 90, 3}, {10, 10, 1}}));
+  // Points on the sides are inside.
+  EXPECT_EQ(clip({{100, 50, 0}, {50, 20, 0}, {50, 80, 0}}, kBox).xyz(),
+            (std::vector<Xyz>{{50, 20, 0}, {50, 80, 0}, {100, 50, 0}}));
+  EXPECT_EQ(clip({{0, 50, 0}, {50, 80, 0}, {50, 100, 0}}, kBox).xyz(),
+            (std::vector<Xyz>{{50, 80, 0}, {50, 100, 0}, {0, 50, 0}}));
   // An edge touching a corner leaves the corner twice.
   EXPECT_EQ(clip({{50, 50, 0}, {150, 50, 0}, {50, 150, 0}}, kBox).xyz(),
             (std::vector<Xyz>{{100, 50, 0}, {100, 100, 0}, {50, 50, 0}, {100, 100, 0}, {50, 100, 0}}));
@@ -244,6 +249,36 @@ TEST(Triangle_Clipper, ColoursOnEdgesAndCornersTruncateAndClamp) {
                          OT_Int_Rectangle{0, 0, 0, 0}, sliver);
   ASSERT_EQ(s.count, 4);
   for (int i = 0; i < 4; ++i) EXPECT_EQ(s.colors[i].word(), OT_RGB32::rgba(255, 0, 100, 255).word()) << i;
+}
+
+TEST(Triangle_Clipper, ParametersWithAndWithoutPerspective) {
+  // Leaves on the right at (100,50), t 0.5 of p0-p1; the corner (100,100);
+  // back at (50,100), t 6/11 of p2-p0.
+  const OT_Parameter params[3] = {{0, 0, 1}, {8, 0, 1}, {0, 11, 1}};
+  const Points p{{50, 50, 0}, {150, 50, 0}, {50, 160, 0}};
+  Clipped out = clip(p, kBox, nullptr, params, {1, 3, 1}, 1);
+  ASSERT_EQ(out.count, 4);
+  // w 1 -> 3 at t 0.5 gives t' 0.25; at the corner 1/w, u/w, v/w are
+  // linear on the screen: w 1.5, u 2, v 7.5; equal w leaves t' = t.
+  EXPECT_EQ(out.params[0].u, 2.0f);
+  EXPECT_EQ(out.w[0], 1.5f);
+  EXPECT_NEAR(out.params[1].u, 2.0, 1e-5);
+  EXPECT_NEAR(out.params[1].v, 7.5, 1e-5);
+  EXPECT_NEAR(out.w[1], 1.5, 1e-6);
+  EXPECT_FLOAT_EQ(out.params[3].v, 5.0f);
+  out = clip(p, kBox, nullptr, params, {1, 3, 1}, 2);  // bit 1 alone: linear
+  EXPECT_EQ(out.params[0].u, 4.0f);
+  EXPECT_EQ(out.w[0], 2.0f);
+  EXPECT_NEAR(out.params[1].v, 5.0, 1e-5);
+  // Zero area: the outline runs out and back along y = 50, all finite.
+  const OT_Parameter line[3] = {{0, 0, 0}, {300, 0, 0}, {150, 0, 0}};
+  out = clip({{-100, 50, -100}, {200, 50, 200}, {50, 50, 50}}, kBox, nullptr, line, {1, 1, 1}, 1);
+  ASSERT_EQ(out.count, 5);
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(out.points[i].y, 50);
+    EXPECT_EQ(out.points[i].z, out.points[i].x);
+    EXPECT_NEAR(out.params[i].u, out.points[i].x + 100, 1e-3) << i;
+  }
 }
 
 }  // namespace

@@ -293,5 +293,36 @@ TEST(Strip_Outline, DrawsTheEdgesOfTheStripInTheRgb32DepthModes) {
   }
 }
 
+// One colour of alpha 0 ends the call at once; under merge only the first
+// colour of a list is made opaque, the later ones blend.
+TEST(Colorized_Alpha, SingleAlphaZeroDrawsNothingAndMergeMakesOnlyTheFirstColourOpaque) {
+  Renderer_Harness h(kRgb32Alpha);
+  h.rendition().writable_colors()->window_color = OT_RGB32::rgba(255, 255, 255, 0);
+  h.clear();
+  const std::vector<std::uint32_t> before = h.snapshot();
+  h.colorized(rectangle(0, 0, 20, 20), {OT_RGB32::rgba(200, 100, 50, 0)}, true);
+  EXPECT_EQ(h.snapshot(), before);
+  h.rendition().writable_colors()->window_color = OT_RGB32::rgba(255, 255, 255);
+  h.clear();
+  h.rendition().writable_raster()->write_mode = 20;
+  // Triangles 0 and 1 make the square [0,20)^2, triangle 2 lies below it.
+  h.colorized(
+      {{0, 0, 0}, {20, 0, 0}, {0, 20, 0}, {20, 20, 0}, {0, 40, 0}},
+      {OT_RGB32::rgba(10, 20, 30, 128), OT_RGB32::rgba(200, 100, 50, 128), OT_RGB32::rgba(0, 0, 0, 0)},
+      false);
+  EXPECT_EQ(h.pixel(2, 2), OT_RGB32::rgba(10, 20, 30).word());  // merged onto the background
+  // (255 * 127 + c * 128) / 255 per channel.
+  EXPECT_EQ(h.pixel(17, 17), OT_RGB32::rgba(227, 177, 152).word());
+  EXPECT_EQ(h.pixel(2, 25), OT_RGB32::rgba(255, 255, 255).word());
+}
+
+TEST(Strip_Outline, SingleTriangleIsTwoPolylines) {
+  Renderer_Harness h(kZRgb32);
+  h.rendition().writable_raster()->advanced_options = OT_Advanced_Strip_Outline;
+  h.draw_dci({{10, 10, 100}, {30, 10, 100}, {10, 30, 100}});
+  Pixels edges;
+  for (int k = 10; k <= 30; ++k) edges.insert({{k, 10}, {10, k}, {40 - k, k}});
+  EXPECT_EQ(h.drawn(), edges);
+}
 }  // namespace
 }  // namespace tarn::testing
