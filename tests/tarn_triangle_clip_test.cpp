@@ -202,6 +202,9 @@ TEST(Triangle_Clipper, StripsOfTheClippedPolygon) {
             (std::vector<Xyz>{{50, 20, 0}, {50, 80, 0}, {100, 50, 0}}));
   EXPECT_EQ(clip({{0, 50, 0}, {50, 80, 0}, {50, 100, 0}}, kBox).xyz(),
             (std::vector<Xyz>{{50, 80, 0}, {50, 100, 0}, {0, 50, 0}}));
+  // An edge that leaves from a point on the side keeps that point, twice.
+  EXPECT_EQ(clip({{100, 50, 0}, {150, 90, 0}, {50, 20, 0}}, kBox).xyz(),
+            (std::vector<Xyz>{{100, 50, 0}, {100, 55, 0}, {100, 50, 0}, {50, 20, 0}}));
   // An edge touching a corner leaves the corner twice.
   EXPECT_EQ(clip({{50, 50, 0}, {150, 50, 0}, {50, 150, 0}}, kBox).xyz(),
             (std::vector<Xyz>{{100, 50, 0}, {100, 100, 0}, {50, 50, 0}, {100, 100, 0}, {50, 100, 0}}));
