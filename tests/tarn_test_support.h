@@ -1,5 +1,5 @@
-// A renderer in a given mode and window, with pixel access in device
-// coordinates, for the renderer's tests.
+// A renderer in a given mode and window, reached through its action slots
+// and options, with pixel and depth access in device coordinates.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "frame/renderer_options.h"
 #include "frame/software_z_buffer.h"
 
 namespace tarn::testing {
@@ -26,12 +27,21 @@ struct Mode_Case {
 };
 
 inline const Mode_Case kAllModes[] = {
-    {"rgb32_alpha", 0, OT_Color_System_Direct, true},  {"rgb32", 0, OT_Color_System_Direct, false},
-    {"mapped", 0, OT_Color_System_Mapped, false},      {"z_mapped", 16, OT_Color_System_Mapped, false},
+    {"rgb32_alpha", 0, OT_Color_System_Direct, true},    {"rgb32", 0, OT_Color_System_Direct, false},
+    {"mapped", 0, OT_Color_System_Mapped, false},        {"z_mapped", 16, OT_Color_System_Mapped, false},
     {"z_rgb32_alpha", 16, OT_Color_System_Direct, true}, {"z_rgb32", 16, OT_Color_System_Direct, false},
 };
+inline const Mode_Case& kRgb32Alpha = kAllModes[0];
+inline const Mode_Case& kRgb32 = kAllModes[1];
+inline const Mode_Case& kMapped = kAllModes[2];
+inline const Mode_Case& kZMapped = kAllModes[3];
+inline const Mode_Case& kZRgb32Alpha = kAllModes[4];
+inline const Mode_Case& kZRgb32 = kAllModes[5];
 
 inline std::string mode_name(const ::testing::TestParamInfo<Mode_Case>& info) { return info.param.name; }
+
+using Pixels = std::set<std::pair<int, int>>;
+using Points = std::vector<OT_DCI_Point>;
 
 // Deleting through the virtual destructor frees with the host's allocator.
 struct Renderer_Deleter {
@@ -45,10 +55,22 @@ inline Renderer_Pointer make_renderer(const OT_Renderer_Data* prototype = nullpt
   return Renderer_Pointer(new (memory) Software_Z_Buffer(prototype));
 }
 
+inline std::vector<OT_Point> as_floats(const Points& points) {
+  std::vector<OT_Point> out;
+  for (const OT_DCI_Point& p : points) out.push_back({float(p.x), float(p.y), float(p.z)});
+  return out;
+}
+
+// The closed polygon [left, right) x [bottom, top) as a complex clip.
+inline OT_Contour_Set box(float left, float bottom, float right, float top) {
+  const OT_Point corners[4] = {{left, bottom, 0}, {right, bottom, 0}, {right, top, 0}, {left, top, 0}};
+  return OT_Contour_Set(4, corners, true);
+}
+
 class Renderer_Harness {
  public:
   // The main colour: red in RGB32 modes, index 9 in mapped modes; the window
-  // colour is black / index 0, and the frame is cleared.
+  // is black / index 0, and the frame is cleared.
   static constexpr OT_RGB32 kColor{0, 0, 255, 255};
   static constexpr byte kIndex = 9;
   static constexpr OT_RGB32 kWindowColor{0, 0, 0, 255};
@@ -86,74 +108,126 @@ class Renderer_Harness {
     renderer_->clear_depth(rendition_);
   }
 
+  byte* address(int x, int y) const {
+    const OT_Shared_Image_Data& image = *renderer_->color_image;
+    return image.device_rows[y - renderer_->origin_y] +
+           (x - renderer_->origin_x) * OT_Shared_Image_Data::pixel_bytes(image.format);
+  }
   // The pixel at device (x, y) as a 32-bit value: the index in mapped modes.
   std::uint32_t pixel(int x, int y) const {
-    const OT_Shared_Image_Data& image = *renderer_->color_image;
-    const byte* row = image.device_rows[y - renderer_->origin_y];
-    const int column = x - renderer_->origin_x;
-    if (image.format == OT_Image_Format_Index8) return row[column];
+    if (mode_.mapped()) return *address(x, y);
     std::uint32_t word;
-    std::memcpy(&word, row + column * 4, 4);
+    std::memcpy(&word, address(x, y), 4);
     return word;
   }
-
+  void poke(int x, int y, std::uint32_t value) {
+    if (mode_.mapped())
+      *address(x, y) = static_cast<byte>(value);
+    else
+      std::memcpy(address(x, y), &value, 4);
+  }
   std::uint16_t depth(int x, int y) const {
-    const OT_Shared_Image_Data& image = *renderer_->depth_image;
     std::uint16_t d;
-    std::memcpy(&d, image.device_rows[y - renderer_->origin_y] + (x - renderer_->origin_x) * 2, 2);
+    std::memcpy(&d, depth_address(x, y), 2);
     return d;
   }
+  void poke_depth(int x, int y, std::uint16_t d) { std::memcpy(depth_address(x, y), &d, 2); }
 
-  // What the main colour writes in this mode.
+  // What the main colour writes in this mode, and what the clear leaves.
   std::uint32_t drawn_value() const { return mode_.mapped() ? kIndex : kColor.word(); }
   std::uint32_t clear_value() const { return mode_.mapped() ? 0u : kWindowColor.word(); }
 
   // Device positions whose pixel differs from the clear value.
-  std::set<std::pair<int, int>> drawn() const {
-    std::set<std::pair<int, int>> out;
-    const int w = renderer_->width, h = renderer_->height;
-    for (int y = 0; y < h; ++y)
-      for (int x = 0; x < w; ++x) {
+  Pixels drawn() const {
+    Pixels out;
+    for (int y = 0; y < renderer_->height; ++y)
+      for (int x = 0; x < renderer_->width; ++x) {
         const int dx = x + renderer_->origin_x, dy = y + renderer_->origin_y;
         if (pixel(dx, dy) != clear_value()) out.insert({dx, dy});
       }
     return out;
   }
 
-  // The whole colour image, for comparing two drawings.
+  // The whole colour image, and the depth image after it in depth modes.
   std::vector<std::uint32_t> snapshot() const {
     std::vector<std::uint32_t> out;
-    for (int y = 0; y < renderer_->height; ++y)
-      for (int x = 0; x < renderer_->width; ++x) out.push_back(pixel(x + renderer_->origin_x, y + renderer_->origin_y));
+    for (int pass = 0; pass < (mode_.depth() ? 2 : 1); ++pass)
+      for (int y = 0; y < renderer_->height; ++y)
+        for (int x = 0; x < renderer_->width; ++x) {
+          const int dx = x + renderer_->origin_x, dy = y + renderer_->origin_y;
+          out.push_back(pass ? depth(dx, dy) : pixel(dx, dy));
+        }
     return out;
   }
 
-  void draw_dci(std::vector<OT_DCI_Point> points) {
-    renderer_->draw_dci_polytriangle(rendition_, static_cast<int>(points.size()), points.data());
+  void draw_dci(const Points& p) { renderer_->draw_dci_polytriangle(rendition_, int(p.size()), p.data()); }
+  void draw_2di(const Points& p) { renderer_->draw_2di_polytriangle(rendition_, int(p.size()), p.data()); }
+  void draw_dc(const std::vector<OT_Point>& p) {
+    renderer_->draw_dc_polytriangle(rendition_, int(p.size()), p.data());
   }
-  void draw_dc(std::vector<OT_Point> points) {
-    renderer_->draw_dc_polytriangle(rendition_, static_cast<int>(points.size()), points.data());
+  void draw_2d(const std::vector<OT_Point>& p) {
+    renderer_->draw_2d_polytriangle(rendition_, int(p.size()), p.data());
   }
-  void draw_2di(std::vector<OT_DCI_Point> points) {
-    renderer_->draw_2di_polytriangle(rendition_, static_cast<int>(points.size()), points.data());
+  void colorized(const Points& p, const std::vector<OT_RGB32>& colors, bool single) {
+    renderer_->draw_dci_colorized_polytriangle(rendition_, int(p.size()), p.data(), colors.data(), single);
   }
-  void draw_2d(std::vector<OT_Point> points) {
-    renderer_->draw_2d_polytriangle(rendition_, static_cast<int>(points.size()), points.data());
+  void line(const Points& p) { renderer_->draw_dci_polyline(rendition_, int(p.size()), p.data()); }
+  void line_2di(const Points& p) { renderer_->draw_2di_polyline(rendition_, int(p.size()), p.data()); }
+  void dot(int x, int y, int z, const OT_RGB32* color = nullptr) {
+    const OT_DCI_Point p{x, y, z};
+    renderer_->draw_dci_dot(rendition_, &p, color);
   }
+  void markers(const Points& p) { renderer_->draw_2di_polymarker(rendition_, int(p.size()), p.data()); }
+
   void set_hard_clip(const OT_Int_Rectangle& clip) { rendition_.writable_device()->hard_clip = clip; }
+  void set_color(OT_RGB32 color, byte index) {
+    OT_Rendition_Colors* colors = rendition_.writable_colors();
+    colors->color = color;
+    colors->color_index = index;
+  }
+
+  // "ZBuffer Test" and "ZBuffer Write" through the setters that the options
+  // hold, as a client changes them between primitives.
+  void set_depth_test(int value) {
+    reinterpret_cast<Depth_Test_Setter>(setter(L"ZBuffer Test"))(renderer_.get(), &value);
+  }
+  void set_depth_write(byte value) {
+    reinterpret_cast<Depth_Write_Setter>(setter(L"ZBuffer Write"))(renderer_.get(), value);
+  }
+
+  // Turns "Use Mask" on, establishes again, and gives the rendition `clip`.
+  void use_mask(const OT_Contour_Set& clip) {
+    renderer_->requested_options.find(L"Use Mask")->set(OT_Option_Value::of_bool(true));
+    renderer_->update_current_options();
+    renderer_->establish();
+    clear();
+    rendition_.writable_device()->complex_clip = clip;
+  }
 
  private:
+  byte* depth_address(int x, int y) const {
+    return renderer_->depth_image->device_rows[y - renderer_->origin_y] + (x - renderer_->origin_x) * 2;
+  }
+  void* setter(const wchar_t* name) {
+    return const_cast<void*>(renderer_->current_option_table()->find(name)->as_pointer());
+  }
+
   Mode_Case mode_;
   Renderer_Pointer renderer_;
   OT_Rendition rendition_;
 };
 
 // The expected coverage: per row, the inclusive x range.
-inline std::set<std::pair<int, int>> rows_of(std::vector<std::pair<int, std::pair<int, int>>> rows) {
-  std::set<std::pair<int, int>> out;
+inline Pixels rows_of(std::vector<std::pair<int, std::pair<int, int>>> rows) {
+  Pixels out;
   for (const auto& [y, range] : rows)
     for (int x = range.first; x <= range.second; ++x) out.insert({x, y});
   return out;
+}
+
+// The strip of two triangles that covers [x0, x1) x [y0, y1).
+inline Points rectangle(int x0, int y0, int x1, int y1, int z = 100) {
+  return {{x0, y0, z}, {x1, y0, z}, {x0, y1, z}, {x1, y1, z}};
 }
 
 }  // namespace tarn::testing
