@@ -16,9 +16,11 @@
 namespace tarn::testing {
 namespace {
 
-constexpr int kW = 128, kH = 96;
-constexpr OT_Int_Rectangle kClip{32, 95, 24, 71};
-constexpr OT_Int_Rectangle kWindow{0, kW - 1, 0, kH - 1};
+// The window starts at device (kX, kY), so that every path must take the
+// origin off; the hard clip lies inside it with a margin on every side.
+constexpr int kW = 128, kH = 96, kX = 37, kY = 21;
+constexpr OT_Int_Rectangle kClip{kX + 32, kX + 95, kY + 24, kY + 71};
+constexpr OT_Int_Rectangle kWindow{kX, kX + kW - 1, kY, kY + kH - 1};
 constexpr int kFar = 100000;  // beyond the walk limits and the line limits
 
 bool inside(const OT_Int_Rectangle& r, int x, int y) {
@@ -29,10 +31,14 @@ int outcode(const OT_Int_Rectangle& r, const OT_DCI_Point& p) {
 }
 int sign(int v) { return (v > 0) - (v < 0); }
 int wrapped(int value, int n) { return ((value % n) + n) % n; }
+// Pixel i of a whole-image list and its device position.
+int x_of(int i) { return kX + i % kW; }
+int y_of(int i) { return kY + i / kW; }
+int index_of(int x, int y) { return (y - kY) * kW + x - kX; }
 
 byte* color_address(Renderer_Harness& h, int x, int y) {
   const OT_Shared_Image_Data& image = *h.renderer().color_image;
-  return image.device_rows[y] + x * (image.format == OT_Image_Format_Index8 ? 1 : 4);
+  return image.device_rows[y - kY] + (x - kX) * (image.format == OT_Image_Format_Index8 ? 1 : 4);
 }
 void set_color(Renderer_Harness& h, int x, int y, std::uint32_t v) {
   if (h.mode().mapped())
@@ -41,7 +47,7 @@ void set_color(Renderer_Harness& h, int x, int y, std::uint32_t v) {
     std::memcpy(color_address(h, x, y), &v, 4);
 }
 void set_depth(Renderer_Harness& h, int x, int y, std::uint16_t d) {
-  std::memcpy(h.renderer().depth_image->device_rows[y] + x * 2, &d, 2);
+  std::memcpy(h.renderer().depth_image->device_rows[y - kY] + (x - kX) * 2, &d, 2);
 }
 
 struct Images {
@@ -50,17 +56,17 @@ struct Images {
 };
 Images grab(Renderer_Harness& h) {
   Images out{h.snapshot(), {}};
-  for (int i = 0; h.mode().depth() && i < kW * kH; ++i) out.depth.push_back(h.depth(i % kW, i / kW));
+  for (int i = 0; h.mode().depth() && i < kW * kH; ++i) out.depth.push_back(h.depth(x_of(i), y_of(i)));
   return out;
 }
 void put(Renderer_Harness& h, const Images& images, bool color = true) {
   for (int i = 0; i < kW * kH; ++i) {
-    if (color) set_color(h, i % kW, i / kW, images.color[i]);
-    if (h.mode().depth()) set_depth(h, i % kW, i / kW, images.depth[i]);
+    if (color) set_color(h, x_of(i), y_of(i), images.color[i]);
+    if (h.mode().depth()) set_depth(h, x_of(i), y_of(i), images.depth[i]);
   }
 }
 void fill_color(Renderer_Harness& h, std::uint32_t v) {
-  for (int i = 0; i < kW * kH; ++i) set_color(h, i % kW, i / kW, v);
+  for (int i = 0; i < kW * kH; ++i) set_color(h, x_of(i), y_of(i), v);
 }
 
 // The same random page in both renderers: half background (so that merge has
@@ -82,7 +88,7 @@ Images prefill(Renderer_Harness& a, Renderer_Harness& b, std::mt19937& random, i
 }
 
 std::unique_ptr<Renderer_Harness> make_harness(const Mode_Case& mode) {
-  auto h = std::make_unique<Renderer_Harness>(mode, kW, kH);
+  auto h = std::make_unique<Renderer_Harness>(mode, kW, kH, OT_Int_XY{kX, kY});
   OT_Option* option = h->renderer().requested_options.find(L"Use Mask");
   option->set(OT_Option_Value::of_bool(true));
   h->renderer().update_current_options();
@@ -111,7 +117,7 @@ struct Face {
     if (solid()) return kMain;
     const byte* bits = pattern == 74 ? &kUserRows[0][0] : OMBRA.stipples[pattern];
     const int width = pattern == 74 ? 12 : 8, height = pattern == 74 ? 3 : 8, stride = pattern == 74 ? 2 : 1;
-    const int pr = wrapped(y - origin_y, height), pc = wrapped(x - origin_x, width);
+    const int pr = wrapped(y - kY - origin_y, height), pc = wrapped(x - kX - origin_x, width);
     const bool hole = (((bits[pr * stride + (pc >> 3)] >> (pc & 7)) & 1) != 0) != ((flags & 2) != 0);
     return !hole ? kMain : (flags & 1) ? kContrast : kNone;
   }
@@ -136,8 +142,8 @@ struct Face {
     h.renderer().depth_test = depth_test;
     h.renderer().depth_write = depth_write;
     // An L-shaped complex clip across the hard clip's lower left corner.
-    static const OT_Point kL[] = {{10, 10, 0}, {70, 10, 0}, {70, 40, 0},
-                                  {40, 40, 0}, {40, 80, 0}, {10, 80, 0}};
+    static const OT_Point kL[] = {{kX + 10, kY + 10, 0}, {kX + 70, kY + 10, 0}, {kX + 70, kY + 40, 0},
+                                  {kX + 40, kY + 40, 0}, {kX + 40, kY + 80, 0}, {kX + 10, kY + 80, 0}};
     h.rendition().writable_device()->complex_clip = mask ? OT_Contour_Set(6, kL, true) : OT_Contour_Set();
   }
   void set_merge(Renderer_Harness& h, bool on) const {
@@ -155,7 +161,8 @@ OT_RGB32 random_color(std::mt19937& random, byte alpha) {
 // scale) << 8, plus 128; index = the sum of the levels of V + d, blue counting 1.
 byte addition_dither(Renderer_Harness& h, OT_RGB32 c, int x, int y) {
   const OT_Color_Cube& cube = h.renderer().cube;
-  const int d = SHARED.dither[(y & 7) * 8 + (reinterpret_cast<std::uintptr_t>(color_address(h, x, y)) & 7)];
+  const int d =
+      SHARED.dither[((y - kY) & 7) * 8 + (reinterpret_cast<std::uintptr_t>(color_address(h, x, y)) & 7)];
   auto level = [d](byte channel, int scale) {
     return ((static_cast<int>(channel) * scale << 8) + 128 + d) >> 16;
   };
@@ -209,7 +216,7 @@ void reference_triangle(Renderer_Harness& ref, Renderer_Harness& scratch, const 
   // window's rectangle, with the depth of its plane.
   const bool whole = t == 0 && strip.holds_window;
   const int z = tri[0].z, n = whole ? 4 : 3;
-  const OT_DCI_Point window[4] = {{0, 0, z}, {kW, 0, z}, {0, kH, z}, {kW, kH, z}};
+  const OT_DCI_Point window[4] = {{kX, kY, z}, {kX + kW, kY, z}, {kX, kY + kH, z}, {kX + kW, kY + kH, z}};
   if (whole) tri = window;
   if (!whole && (!in_window(tri[0]) || !in_window(tri[1]) || !in_window(tri[2]))) {
     // A point beyond the walk limits: no DCI call can take it, so the
@@ -242,7 +249,7 @@ void reference_triangle(Renderer_Harness& ref, Renderer_Harness& scratch, const 
     draw_dci(ref, tri, n, color, false);
     const Images second = grab(ref);
     face.set_merge(ref, true);
-    for (int i = 0, x = 0, y = 0; i < kW * kH; ++i, x = i % kW, y = i / kW) {
+    for (int i = 0, x = kX, y = kY; i < kW * kH; ++i, x = x_of(i), y = y_of(i)) {
       if (first.color[i] != second.color[i]) {
         set_color(ref, x, y, before.color[i]);
         continue;
@@ -266,7 +273,7 @@ void reference_triangle(Renderer_Harness& ref, Renderer_Harness& scratch, const 
     // With depth and alpha 0 the crossing span writes depth and leaves the
     // colour alone; the inside filler blends, which sets the alpha byte.
     for (int i = 0; !before.color.empty() && i < kW * kH; ++i)
-      if (face.kind_at(i % kW, i / kW) == Face::kMain) set_color(ref, i % kW, i / kW, before.color[i]);
+      if (face.kind_at(x_of(i), y_of(i)) == Face::kMain) set_color(ref, x_of(i), y_of(i), before.color[i]);
   }
   if (mode.depth() && face.solid() && !whole && !(tri[0].z == tri[1].z && tri[1].z == tri[2].z)) {
     // Depth from the unclamped span ends: on a span of two pixels the
@@ -276,11 +283,11 @@ void reference_triangle(Renderer_Harness& ref, Renderer_Harness& scratch, const 
     // the right pixel of such spans is left out of the comparison.
     scratch.clear();
     draw_dci(scratch, tri, 3, nullptr, true);
-    for (int y = 0; y < kH; ++y) {
+    for (int y = kY; y < kY + kH; ++y) {
       int count = 0, last = 0;
-      for (int x = 0; x < kW; ++x)
+      for (int x = kX; x < kX + kW; ++x)
         if (scratch.pixel(x, y) != 0) ++count, last = x;
-      if (count == 2) loose[y * kW + last] = true;
+      if (count == 2) loose[index_of(last, y)] = true;
     }
   }
 }
@@ -293,14 +300,14 @@ OT_DCI_Point strip_point(std::mt19937& random, bool far_ok, int z) {
   const int edges_y[] = {kClip.bottom - 1, kClip.bottom, kClip.top, kClip.top + 1};
   const int kind = pick(0, 9);
   if (kind < 3) return {pick(kClip.left, kClip.right), pick(kClip.bottom, kClip.top), z};
-  if (kind == 3) return {edges_x[pick(0, 3)], pick(0, kH - 1), z};
-  if (kind == 4) return {pick(0, kW - 1), edges_y[pick(0, 3)], z};
+  if (kind == 3) return {edges_x[pick(0, 3)], pick(kY, kY + kH - 1), z};
+  if (kind == 4) return {pick(kX, kX + kW - 1), edges_y[pick(0, 3)], z};
   if (kind < 7 && far_ok) {
     const int far[] = {-kFar, 0, kFar};
     const int fx = far[pick(0, 2)], fy = far[fx == 0 ? pick(0, 1) * 2 : pick(0, 2)];
-    return {fx ? fx : pick(0, kW - 1), fy ? fy : pick(0, kH - 1), z};
+    return {fx ? fx : pick(kX, kX + kW - 1), fy ? fy : pick(kY, kY + kH - 1), z};
   }
-  return {pick(0, kW - 1), pick(0, kH - 1), z};
+  return {pick(kX, kX + kW - 1), pick(kY, kY + kH - 1), z};
 }
 
 Face random_face(const Mode_Case& mode, std::mt19937& random, bool lines) {
@@ -328,25 +335,22 @@ Face random_face(const Mode_Case& mode, std::mt19937& random, bool lines) {
 
 void expect_clip_result(Renderer_Harness& test, Renderer_Harness& ref, const Images& before,
                         const std::vector<bool>& loose, const std::string& what) {
-  const bool depth = test.mode().depth();
-  for (int y = 0; y < kH; ++y)
-    for (int x = 0; x < kW; ++x) {
-      const int i = y * kW + x;
-      const bool in = inside(kClip, x, y);
-      if (in && loose[i]) continue;
-      ASSERT_EQ(test.pixel(x, y), in ? ref.pixel(x, y) : before.color[i])
-          << what << " colour at " << x << "," << y;
-      if (depth) {
-        ASSERT_EQ(test.depth(x, y), in ? ref.depth(x, y) : before.depth[i])
-            << what << " depth at " << x << "," << y;
-      }
+  for (int i = 0, x = kX, y = kY; i < kW * kH; ++i, x = x_of(i), y = y_of(i)) {
+    const bool in = inside(kClip, x, y);
+    if (in && loose[i]) continue;
+    ASSERT_EQ(test.pixel(x, y), in ? ref.pixel(x, y) : before.color[i])
+        << what << " colour at " << x << "," << y;
+    if (test.mode().depth()) {
+      ASSERT_EQ(test.depth(x, y), in ? ref.depth(x, y) : before.depth[i])
+          << what << " depth at " << x << "," << y;
     }
+  }
 }
 
 TEST_P(Differential, StripsThroughTheClipPathAgreeWithTheInsideFillers) {
   const Mode_Case mode = GetParam();
   auto test = make_harness(mode), ref = make_harness(mode);
-  Renderer_Harness scratch(kAllModes[2], kW, kH);
+  Renderer_Harness scratch(kAllModes[2], kW, kH, {kX, kY});
   std::mt19937 random(20261123);
   auto pick = [&](int low, int high) { return std::uniform_int_distribution<int>(low, high)(random); };
   int crossing_sides = 0, far_strips = 0, loose_pixels = 0;
@@ -434,8 +438,8 @@ void reference_segment(Renderer_Harness& ref, OT_DCI_Point a, OT_DCI_Point b) {
       low = std::max(low, u > 0 ? -start : start - (size - 1));
       high = std::min(high, u > 0 ? size - 1 - start : start);
     };
-    limit(a.x, ux, kW);
-    limit(a.y, uy, kH);
+    limit(a.x - kX, ux, kW);
+    limit(a.y - kY, uy, kH);
     if (low > high) return;
     const OT_DCI_Point first{a.x + low * ux, a.y + low * uy, a.z};
     // The pixel at `high` lies on the window's border unless b is inside.
@@ -550,7 +554,7 @@ TEST_P(Differential, PolylinesThroughTheClipPathAgreeWithTheUnclippedWalker) {
     // Depths next to z: the final pixel meets equal depths a third of the time.
     const Images before = prefill(*test, *ref, random, z, 1);
     const OT_DCI_Point& last = points.back();
-    equal_final += mode.depth() && in_window(last) && before.depth[last.y * kW + last.x] == last.z;
+    equal_final += mode.depth() && in_window(last) && before.depth[index_of(last.x, last.y)] == last.z;
     reference_polyline(*ref, face, points);
     test->renderer().draw_2di_polyline(test->rendition(), static_cast<int>(points.size()), points.data());
     expect_clip_result(*test, *ref, before, none, "polyline " + std::to_string(n));
