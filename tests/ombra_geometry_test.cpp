@@ -2,6 +2,7 @@
 // patterns and the complex clip mask rasterizer.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -89,6 +90,31 @@ TEST(OmbraTriangulate, SimplePolygonsComeOutExactly) {
     }
     EXPECT_NEAR(sum, total, 1e-6 * std::fabs(total));
   }
+}
+
+// An outline that crosses itself has corners but no ears; the clipping
+// still cuts a corner with its two neighbours each time, and ends.
+TEST(OmbraTriangulate, SelfCrossingOutlineIsCutCornerByCorner) {
+  const Polygon pentagram = star(5, 10, 10, 2);
+  OT_Contour_Set set(5, pentagram.data(), false);
+  struct Ring {
+    const OT_Point* first;
+    std::vector<int> corners = {0, 1, 2, 3, 4};
+    int triangles = 0;
+  } ring{set->points.data()};
+  set->triangulate(
+      [](const OT_Point* a, const OT_Point* b, const OT_Point* c, void* context) {
+        Ring& r = *static_cast<Ring*>(context);
+        const auto at = std::find(r.corners.begin(), r.corners.end(), int(b - r.first));
+        ASSERT_NE(at, r.corners.end());
+        const std::size_t i = std::size_t(at - r.corners.begin()), n = r.corners.size();
+        EXPECT_EQ(a - r.first, r.corners[(i + n - 1) % n]);
+        EXPECT_EQ(c - r.first, r.corners[(i + 1) % n]);
+        r.corners.erase(at);
+        ++r.triangles;
+      },
+      &ring);
+  EXPECT_EQ(ring.triangles, 3);
 }
 
 TEST(OmbraTriangulate, ProjectionDropsTheDominantAxis) {
