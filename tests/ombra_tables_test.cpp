@@ -1,4 +1,4 @@
-// The stipple table and the dither thresholds.
+// The face pattern stipples and the dither thresholds.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,75 +9,48 @@
 
 namespace {
 
-int clear_bits(const byte* stipple) {
-  int n = 0;
-  for (int r = 0; r < 8; ++r) n += 8 - std::popcount(unsigned(stipple[r]));
-  return n;
-}
+unsigned drawn(int pattern, int row) { return ~unsigned(OMBRA.stipples[pattern][row]) & 0xFF; }
 
-TEST(OmbraStipples, GreyLevelsDrawExactlyTheirNumberOfPixels) {
-  ASSERT_NE(OMBRA.stipples, nullptr);
-  for (int r = 0; r < 8; ++r) {
-    EXPECT_EQ(OMBRA.stipples[0][r], 0xFF);
-    EXPECT_EQ(OMBRA.stipples[64][r], 0x00);
-  }
-  for (int k = 0; k <= 64; ++k) EXPECT_EQ(clear_bits(OMBRA.stipples[k]), k) << k;
-}
-
-TEST(OmbraStipples, EachGreyLevelAddsToTheOneBefore) {
-  for (int k = 0; k < 64; ++k)
+TEST(OmbraStipples, GreyLevelKDrawsKPixelsAndAddsToTheLevelBefore) {
+  for (int k = 0; k <= 64; ++k) {
+    int pixels = 0;
     for (int r = 0; r < 8; ++r) {
-      const unsigned drawn_before = ~unsigned(OMBRA.stipples[k][r]) & 0xFF;
-      const unsigned drawn_after = ~unsigned(OMBRA.stipples[k + 1][r]) & 0xFF;
-      ASSERT_EQ(drawn_before & ~drawn_after, 0u) << k << "," << r;
+      pixels += std::popcount(drawn(k, r));
+      if (k > 0) {
+        ASSERT_EQ(drawn(k - 1, r) & ~drawn(k, r), 0u) << k << "," << r;
+      }
     }
-}
-
-TEST(OmbraStipples, LevelsFollowTheOrderedMatrix) {
-  const byte one[8] = {0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
-  for (int r = 0; r < 8; ++r) EXPECT_EQ(OMBRA.stipples[1][r], one[r]);
-  // Half the pixels: a checkerboard.
+    EXPECT_EQ(pixels, k);
+  }
+  EXPECT_EQ(drawn(1, 0), 1u);  // the first column of the first row
   for (int r = 0; r < 8; ++r) EXPECT_EQ(OMBRA.stipples[32][r], r % 2 == 0 ? 0xAA : 0x55) << r;
 }
 
 TEST(OmbraStipples, Hatches) {
+  const byte rising[4] = {0xEE, 0xDD, 0xBB, 0x77}, falling[4] = {0x77, 0xBB, 0xDD, 0xEE};
   for (int r = 0; r < 8; ++r) {
-    EXPECT_EQ(OMBRA.stipples[65][r], r % 4 == 0 ? 0x00 : 0xFF) << r;
-    EXPECT_EQ(OMBRA.stipples[66][r], 0xEE) << r;
-    const byte diagonal[4] = {0xEE, 0xDD, 0xBB, 0x77};
-    EXPECT_EQ(OMBRA.stipples[67][r], diagonal[r % 4]) << r;
-    const byte other_diagonal[4] = {0x77, 0xBB, 0xDD, 0xEE};
-    EXPECT_EQ(OMBRA.stipples[68][r], other_diagonal[r % 4]) << r;
-    EXPECT_EQ(OMBRA.stipples[69][r], r % 4 == 0 ? 0x00 : 0xEE) << r;
-    EXPECT_EQ(OMBRA.stipples[70][r], byte(diagonal[r % 4] & other_diagonal[r % 4])) << r;
-    EXPECT_EQ(OMBRA.stipples[71][r], r % 2 == 0 ? 0x00 : 0xFF) << r;
-    EXPECT_EQ(OMBRA.stipples[72][r], 0xAA) << r;
-    EXPECT_EQ(OMBRA.stipples[73][r], r % 4 == 0 ? 0xEE : 0xFF) << r;
+    const std::vector<int> row = {OMBRA.stipples[65][r], OMBRA.stipples[66][r], OMBRA.stipples[67][r],
+                                  OMBRA.stipples[68][r], OMBRA.stipples[69][r], OMBRA.stipples[70][r],
+                                  OMBRA.stipples[71][r], OMBRA.stipples[72][r], OMBRA.stipples[73][r]};
+    const std::vector<int> expected = {r % 4 ? 0xFF : 0x00, 0xEE,
+                                       rising[r % 4],       falling[r % 4],
+                                       r % 4 ? 0xEE : 0x00, rising[r % 4] & falling[r % 4],
+                                       r % 2 ? 0xFF : 0x00, 0xAA,
+                                       r % 4 ? 0xFF : 0xEE};
+    EXPECT_EQ(row, expected) << r;
   }
 }
 
 TEST(OmbraDither, CentredBinsOfAnOrderedMatrix) {
   std::vector<int> values(SHARED.dither, SHARED.dither + 64);
+  EXPECT_EQ(values[0], 512);
+  EXPECT_EQ(values[1], 32 * 1024 + 512);
+  EXPECT_EQ(values[8], 48 * 1024 + 512);
+  // Horizontal neighbours differ by at least a quarter of the range.
+  for (int i = 0; i < 64; ++i)
+    EXPECT_GE(std::abs(values[i] - values[i / 8 * 8 + (i + 1) % 8]), 16 * 1024) << i;
   std::sort(values.begin(), values.end());
   for (int k = 0; k < 64; ++k) EXPECT_EQ(values[k], k * 1024 + 512);
-  EXPECT_LT(values.back(), 0xFFFF);
-  long sum = 0;
-  for (int v : values) sum += v;
-  EXPECT_EQ(sum / 64, 0x8000);
-  EXPECT_EQ(SHARED.dither[0], 512);
-  EXPECT_EQ(SHARED.dither[1], 32 * 1024 + 512);
-  EXPECT_EQ(SHARED.dither[8], 48 * 1024 + 512);
-  EXPECT_EQ(SHARED.dither[63], 21 * 1024 + 512);
-}
-
-TEST(OmbraDither, NeighboursAreFarApart) {
-  // An ordered matrix spreads close values: horizontal neighbours differ by
-  // at least a quarter of the range.
-  for (int r = 0; r < 8; ++r)
-    for (int c = 0; c < 8; ++c) {
-      const int here = SHARED.dither[r * 8 + c], right = SHARED.dither[r * 8 + (c + 1) % 8];
-      EXPECT_GE(std::abs(here - right), 16 * 1024) << r << "," << c;
-    }
 }
 
 }  // namespace
