@@ -64,7 +64,7 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
   const bool masked = mask_in_force(r, rendition);
   const OT_RGB32 color = rendition->colors->color;
   auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
-    if constexpr (Mode::kMapped)
+    if constexpr (Mode::kIndex)
       clip_polyline(object, rendition, count, points, Mode::kDepth,
                     Index_Paint{static_cast<byte>(rendition->colors->color_index)}, inside_form,
                     crossing_form);
@@ -72,7 +72,7 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
       clip_polyline(object, rendition, count, points, Mode::kDepth, Color_Paint{&color, true}, inside_form,
                     crossing_form);
   };
-  if constexpr (Mode::kMapped && Mode::kDepth) {
+  if constexpr (Mode::kIndex && Mode::kDepth) {
     with_line_form<Mode>(r, rendition, false, [&](const auto& crossing_form) {
       if (masked)
         with_line_form<Mode>(r, rendition, true,
@@ -98,23 +98,23 @@ void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, i
   if (nothing_to_draw(renderer_of(object), count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition)) return clip_in_mode<Without_Depth<Mode>>(object, rendition, count, points);
+    if (depth_off(rendition)) return clip_in_mode<typename Mode::Without_Depth>(object, rendition, count, points);
   }
   if constexpr (Mode::kAlpha && !Mode::kDepth) {
-    if (rendition->colors->color.a > 254) return clip_in_mode<Opaque<Mode>>(object, rendition, count, points);
+    if (rendition->colors->color.a > 254) return clip_in_mode<typename Mode::Opaque>(object, rendition, count, points);
   }
   clip_in_mode<Mode>(object, rendition, count, points);
 }
 
-template void clipped_polyline<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void clipped_polyline<Z_Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void clipped_polyline<Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void clipped_polyline<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, int,
                                               const OT_DCI_Point*);
-template void clipped_polyline<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void clipped_polyline<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void clipped_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void clipped_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
                                                  const OT_DCI_Point*);
-template void clipped_polyline<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void clipped_polyline<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int,
                                              const OT_DCI_Point*);
-template void clipped_polyline<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void clipped_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
                                                    const OT_DCI_Point*);
 
 }  // namespace tarn

@@ -73,7 +73,7 @@ inline void with_line_form(const Software_Z_Buffer& r, const OT_Rendition& rendi
     with_color_stores<Mode>(r, rendition, [&]<class Stores>(const Stores& stores) {
       wrapped([&]<class Wrap>(const Wrap& wrap) { return Color_Line_Form<Stores, Wrap>{&r, stores, wrap}; });
     });
-  } else if constexpr (Mode::kMapped) {
+  } else if constexpr (Mode::kIndex) {
     wrapped([&]<class Wrap>(const Wrap& wrap) {
       return Depth_Line_Form<Depth_At_Or_Below, true, Index_Stores, Wrap>{&r, {}, wrap};
     });

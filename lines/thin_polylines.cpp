@@ -16,14 +16,14 @@ template <class Mode, class Paint>
 void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
                const Paint& paint) {
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition)) return dci_lines<Without_Depth<Mode>>(object, rendition, count, points, paint);
+    if (depth_off(rendition)) return dci_lines<typename Mode::Without_Depth>(object, rendition, count, points, paint);
   }
   if constexpr (Mode::kAlpha && !Mode::kDepth) {
     if (paint.single && paint.colors[0].a > 254)
-      return dci_lines<Opaque<Mode>>(object, rendition, count, points, paint);
+      return dci_lines<typename Mode::Opaque>(object, rendition, count, points, paint);
   }
   if (host_line(rendition)) {
-    if constexpr (Mode::kMapped)
+    if constexpr (Mode::kIndex)
       return OB_Standard_Draw_DCI_Polyline(object, rendition, count, points);
     else
       return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, paint.colors,
@@ -41,7 +41,7 @@ void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int coun
 template <class Mode>
 void dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                   const OT_DCI_Point* points) {
-  if constexpr (Mode::kMapped) {
+  if constexpr (Mode::kIndex) {
     dci_lines<Mode>(object, rendition, count, points,
                     Index_Paint{static_cast<byte>(rendition->colors->color_index)});
   } else {
@@ -56,23 +56,23 @@ void dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendit
   dci_lines<Mode>(object, rendition, count, points, Color_Paint{colors, single_color});
 }
 
-template void dci_polyline<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void dci_polyline<Z_Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void dci_polyline<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void dci_polyline<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void dci_polyline<Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
                                              const OT_DCI_Point*);
-template void dci_polyline<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void dci_polyline<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void dci_polyline<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void dci_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
                                                const OT_DCI_Point*);
 
 using Colors = const OT_RGB32*;
-template void dci_colorized_polyline<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void dci_colorized_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int,
                                                  const OT_DCI_Point*, Colors, bool);
-template void dci_colorized_polyline<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void dci_colorized_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
                                                        const OT_DCI_Point*, Colors, bool);
-template void dci_colorized_polyline<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void dci_colorized_polyline<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int,
                                                    const OT_DCI_Point*, Colors, bool);
-template void dci_colorized_polyline<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void dci_colorized_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
                                                          const OT_DCI_Point*, Colors, bool);
 
 }  // namespace tarn

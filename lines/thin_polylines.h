@@ -16,16 +16,16 @@ template <class Mode>
 void dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                             const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color);
 
-inline constexpr auto mapped_dci_polyline = &dci_polyline<Mapped_Mode>;
-inline constexpr auto z_mapped_dci_polyline = &dci_polyline<Z_Mapped_Mode>;
-inline constexpr auto rgb32_dci_polyline = &dci_polyline<Rgb32_Mode>;
-inline constexpr auto rgb32_alpha_dci_polyline = &dci_polyline<Rgb32_Alpha_Mode>;
-inline constexpr auto z_rgb32_dci_polyline = &dci_polyline<Z_Rgb32_Mode>;
-inline constexpr auto z_rgb32_alpha_dci_polyline = &dci_polyline<Z_Rgb32_Alpha_Mode>;
+inline constexpr auto mapped_dci_polyline = &dci_polyline<Mapped>;
+inline constexpr auto z_mapped_dci_polyline = &dci_polyline<Z_Mapped>;
+inline constexpr auto rgb32_dci_polyline = &dci_polyline<Rgb32>;
+inline constexpr auto rgb32_alpha_dci_polyline = &dci_polyline<Rgb32_Alpha>;
+inline constexpr auto z_rgb32_dci_polyline = &dci_polyline<Z_Rgb32>;
+inline constexpr auto z_rgb32_alpha_dci_polyline = &dci_polyline<Z_Rgb32_Alpha>;
 
-inline constexpr auto rgb32_dci_colorized_polyline = &dci_colorized_polyline<Rgb32_Mode>;
-inline constexpr auto rgb32_alpha_dci_colorized_polyline = &dci_colorized_polyline<Rgb32_Alpha_Mode>;
-inline constexpr auto z_rgb32_dci_colorized_polyline = &dci_colorized_polyline<Z_Rgb32_Mode>;
-inline constexpr auto z_rgb32_alpha_dci_colorized_polyline = &dci_colorized_polyline<Z_Rgb32_Alpha_Mode>;
+inline constexpr auto rgb32_dci_colorized_polyline = &dci_colorized_polyline<Rgb32>;
+inline constexpr auto rgb32_alpha_dci_colorized_polyline = &dci_colorized_polyline<Rgb32_Alpha>;
+inline constexpr auto z_rgb32_dci_colorized_polyline = &dci_colorized_polyline<Z_Rgb32>;
+inline constexpr auto z_rgb32_alpha_dci_colorized_polyline = &dci_colorized_polyline<Z_Rgb32_Alpha>;
 
 }  // namespace tarn

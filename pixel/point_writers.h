@@ -11,30 +11,10 @@
 #include "frame/software_z_buffer.h"
 #include "pixel/depth_test.h"
 #include "pixel/merge.h"
+#include "pixel/modes.h"
 #include "pixel/pixel_writers.h"
 
 namespace tarn {
-
-// The six modes of the point and line families as traits.
-template <bool kMappedImage, bool kDepthBuffer, bool kAlphaBlend>
-struct Point_Mode {
-  static constexpr bool kMapped = kMappedImage;
-  static constexpr bool kDepth = kDepthBuffer;
-  static constexpr bool kAlpha = kAlphaBlend;
-};
-using Mapped_Mode = Point_Mode<true, false, false>;
-using Z_Mapped_Mode = Point_Mode<true, true, false>;
-using Rgb32_Mode = Point_Mode<false, false, false>;
-using Rgb32_Alpha_Mode = Point_Mode<false, false, true>;
-using Z_Rgb32_Mode = Point_Mode<false, true, false>;
-using Z_Rgb32_Alpha_Mode = Point_Mode<false, true, true>;
-
-// The sibling a mode hands a call to when depth is off, or when its colour
-// is opaque.
-template <class Mode>
-using Without_Depth = Point_Mode<Mode::kMapped, false, Mode::kAlpha>;
-template <class Mode>
-using Opaque = Point_Mode<Mode::kMapped, Mode::kDepth, false>;
 
 // A plot without depth; the candidate, if any, is ignored.
 template <Pixel_Store Store>
@@ -98,7 +78,7 @@ struct Merge_Word_Stores {
 template <class Mode, class Body>
 inline void with_color_stores(const Software_Z_Buffer& r, const OT_Rendition& rendition, Body&& body) {
   const bool merge = merge_on(r, rendition);
-  if constexpr (Mode::kMapped) {
+  if constexpr (Mode::kIndex) {
     if (merge)
       body(Merge_Index_Stores{Merge_Mapped(r)});
     else
@@ -116,7 +96,7 @@ inline void with_color_stores(const Software_Z_Buffer& r, const OT_Rendition& re
 // The stores of the depth modes, which know no merge.
 template <class Mode>
 using Depth_Color_Stores =
-    std::conditional_t<Mode::kMapped, Index_Stores,
+    std::conditional_t<Mode::kIndex, Index_Stores,
                        std::conditional_t<Mode::kAlpha, Blend_Weight_Stores, Word_Stores>>;
 
 // Runs body.template operator()<Test, kWriteDepth>() by "ZBuffer Test" and

@@ -29,7 +29,7 @@ void with_point_plot(const Software_Z_Buffer& r, bool masked, const Store& store
       body(color_plot(r, Masking(r)(store)));
     else
       body(color_plot(r, store));
-  } else if constexpr (Mode::kMapped) {
+  } else if constexpr (Mode::kIndex) {
     body(depth_plot<Depth_At_Or_Below, true>(r, store));
   } else {
     with_depth_options(
@@ -40,7 +40,7 @@ void with_point_plot(const Software_Z_Buffer& r, bool masked, const Store& store
 // The rendition's colour of a dot or marker: its index in the mapped modes.
 template <class Mode>
 auto rendition_color(const OT_Rendition& rendition) {
-  if constexpr (Mode::kMapped)
+  if constexpr (Mode::kIndex)
     return static_cast<byte>(rendition->colors->color_index);
   else
     return rendition->colors->color;
@@ -64,14 +64,14 @@ template <class Mode>
 void dci_dot(OT_Renderer_Data* object, const OT_Rendition& rendition, const OT_DCI_Point* point,
              const OT_RGB32* color) {
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition)) return dci_dot<Without_Depth<Mode>>(object, rendition, point, color);
+    if (depth_off(rendition)) return dci_dot<typename Mode::Without_Depth>(object, rendition, point, color);
   }
   const Software_Z_Buffer& r = renderer_of(object);
   const bool masked = !Mode::kDepth && mask_in_force(r, rendition);
   auto draw = [&](const auto& store) {
     with_point_plot<Mode>(r, masked, store, [&](const auto& plot) { plot_point(r, plot, *point); });
   };
-  if constexpr (Mode::kMapped) {
+  if constexpr (Mode::kIndex) {
     if (color) return draw(Dither_Compare_Store(dither_thresholds(r.cube, *color)));
     with_point_stores<Mode>(r, rendition,
                             [&](const auto& stores) { draw(stores(rendition_color<Mode>(rendition))); });
@@ -92,10 +92,10 @@ void polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int cou
                 const OT_DCI_Point* points) {
   if constexpr (Mode::kAlpha && !kAlphaTested) {
     if (rendition->colors->color.a > 254)
-      return polymarker<Opaque<Mode>, true>(object, rendition, count, points);
+      return polymarker<typename Mode::Opaque, true>(object, rendition, count, points);
   }
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition)) return polymarker<Without_Depth<Mode>, true>(object, rendition, count, points);
+    if (depth_off(rendition)) return polymarker<typename Mode::Without_Depth, true>(object, rendition, count, points);
   }
   if (rendition->marker->symbol != 0)
     return OB_Standard_Draw_2DI_Polymarker(object, rendition, count, points);
@@ -113,24 +113,24 @@ void polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int cou
   });
 }
 
-template void dci_dot<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+template void dci_dot<Mapped>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                    const OT_RGB32*);
-template void dci_dot<Z_Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+template void dci_dot<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                      const OT_RGB32*);
-template void dci_dot<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+template void dci_dot<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                   const OT_RGB32*);
-template void dci_dot<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+template void dci_dot<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                         const OT_RGB32*);
-template void dci_dot<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+template void dci_dot<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                     const OT_RGB32*);
-template void dci_dot<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
+template void dci_dot<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                           const OT_RGB32*);
 
-template void polymarker<Mapped_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void polymarker<Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void polymarker<Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void polymarker<Z_Rgb32_Mode>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void polymarker<Z_Rgb32_Alpha_Mode>(OT_Renderer_Data*, const OT_Rendition&, int,
+template void polymarker<Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
+template void polymarker<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
                                              const OT_DCI_Point*);
 
 }  // namespace tarn
