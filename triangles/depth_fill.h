@@ -118,15 +118,12 @@ struct Depth_Filler : Depth_Edges {
     const std::int32_t n = xr - xl;
     if (n < 1) return;
     if constexpr (Pixels::kSolid) {
-      if (n == 1) {
-        pixels.pixel(at(row, xl).p, at(row, xl).zp, depth_of(left.z), row);
-        return;
-      }
-      if (n == 2) {
-        // The right pixel takes the middle of the two ends, and goes first.
-        const Depth_Span_At<Pixel> a = at(row, xl);
-        pixels.pixel(a.p + 1, a.zp + 1, depth_of((right.z >> 1) + (left.z >> 1)), row);
-        pixels.pixel(a.p, a.zp, depth_of(left.z), row);
+      if (n <= 2) {
+        const Depth_Span_At<Pixel> first = at(row, xl);
+        // Of two pixels the right one takes the middle of the two ends, and
+        // goes first.
+        if (n == 2) pixels.pixel(first.p + 1, first.zp + 1, depth_of((right.z >> 1) + (left.z >> 1)), row);
+        pixels.pixel(first.p, first.zp, depth_of(left.z), row);
         return;
       }
     }

@@ -110,11 +110,16 @@ struct Rect_Clip {
 // Walks one triangle: stable sort by y, a long edge from the least to the
 // greatest y and a short edge in two parts; spans half open on the right and
 // rows half open at the greatest y. Edges always come from the full end
-// points; a clipped part starts at its first visible row.
+// points; a clipped part starts at its first visible row. Each filler's walk
+// is compiled as one function with its span loops inside it (flatten), and
+// kept out of the callers (noinline): the callers are the families' large
+// entry templates, in which the inliner would otherwise run out of room and
+// leave the span and slope calls out of line.
 template <class Filler, class Clip = No_Clip>
-inline void walk_triangle(Filler& filler, typename Filler::Vertex t, typename Filler::Vertex m,
-                          typename Filler::Vertex b, std::int32_t origin_x, std::int32_t origin_y,
-                          const Clip& clip = Clip{}) {
+[[gnu::noinline, gnu::flatten]] inline void walk_triangle(Filler& filler, typename Filler::Vertex t,
+                                                          typename Filler::Vertex m,
+                                                          typename Filler::Vertex b, std::int32_t origin_x,
+                                                          std::int32_t origin_y, const Clip& clip = Clip{}) {
   using Attributes = typename Filler::Edge_Attributes;
   using Edge = Walk_Edge<Attributes>;
 
