@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "pixel/limits.h"
-#include "triangles/clip_walk.h"
+#include "triangles/triangle_walk.h"
 #include "triangles/triangle_clipper.h"
 
 namespace tarn {
@@ -64,17 +64,17 @@ inline void run_clip_loop(int count, const short* codes, Inside&& inside, Cross&
 template <class Filler>
 inline void cross_triangle(Filler& filler, const OT_Rendition& rendition, const OT_DCI_Point* triangle,
                            std::int32_t origin_x, std::int32_t origin_y) {
-  const OT_Int_Rectangle& clip = rendition->device->hard_clip;
+  const Rect_Clip clip(rendition->device->hard_clip, origin_x);
   short codes[3];
   OB_Clip(kWalkLimits, 3, triangle, codes);
   if ((codes[0] | codes[1] | codes[2]) == 0) {
-    walk_clipped_triangle(filler, {&triangle[0]}, {&triangle[1]}, {&triangle[2]}, clip, origin_x, origin_y);
+    walk_triangle(filler, {&triangle[0]}, {&triangle[1]}, {&triangle[2]}, origin_x, origin_y, clip);
     return;
   }
   OT_DCI_Point pieces[kMaxClipVertices];
   const int n = clip_triangle_to_rectangle(triangle, kWalkLimits, pieces);
   for (int i = 0; i + 2 < n; ++i)
-    walk_clipped_triangle(filler, {&pieces[i]}, {&pieces[i + 1]}, {&pieces[i + 2]}, clip, origin_x, origin_y);
+    walk_triangle(filler, {&pieces[i]}, {&pieces[i + 1]}, {&pieces[i + 2]}, origin_x, origin_y, clip);
 }
 
 }  // namespace tarn

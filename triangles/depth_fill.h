@@ -1,16 +1,14 @@
-// The solid path of the depth-buffered fillers: the walk with a 17.15 depth
-// beside x on each edge, and a depth test before every pixel.
+// The span fillers of the depth-buffered modes: the walk with a 17.15 depth
+// beside x on each edge, and a depth test before every pixel. As without
+// depth, one filler serves the inside walk and the walk across the clip.
 //
 // Precision: an edge's depth starts at ((z + depth_bias) << 15) + 0x4000 and
 // steps by slope15; the integer depth is the accumulator shifted right 15,
 // cut to 16 bits. Depths outside 0..65535 wrap, by design.
 #pragma once
 
-#include "frame/software_z_buffer.h"
 #include "pixel/depth_test.h"
-#include "pixel/face_pattern.h"
-#include "pixel/pixel_writers.h"
-#include "triangles/triangle_walk.h"
+#include "triangles/span_fillers.h"
 
 namespace tarn {
 
@@ -26,7 +24,9 @@ struct Depth_Attributes {
   }
 };
 
-inline std::uint16_t depth_of(std::int32_t accumulator) { return static_cast<std::uint16_t>(accumulator >> 15); }
+inline std::uint16_t depth_of(std::int32_t accumulator) {
+  return static_cast<std::uint16_t>(accumulator >> 15);
+}
 
 // Depth on the edges: the biased z of each vertex, in 17.15.
 struct Depth_Edges {
@@ -44,119 +44,140 @@ struct Depth_Edges {
   }
 };
 
-template <Pixel_Store Store, class Test, bool kWriteDepth>
-struct Depth_Span_Filler : Depth_Edges {
-  using Pixel = typename Store::Pixel;
+// The depth choice of a primitive as a type: the test and whether depth is
+// written.
+template <class Test_, bool kWrite>
+struct Depth_Rule {
+  using Test = Test_;
+  static constexpr bool kWriteDepth = kWrite;
+};
 
-  byte* const* rows;        // colour image
-  byte* const* depth_rows;  // depth image
+// Where a depth span writes: its pixels and depth words from column xl.
+template <class Pixel>
+struct Depth_Span_At {
+  Pixel* p;
+  std::uint16_t* zp;
+  std::int32_t row, xl;
+};
+
+// A solid run of depth-tested pixels: z steps by `step` after each pixel.
+template <Pixel_Store Store, class Rule>
+struct Depth_Solid_Pixels {
+  static constexpr bool kSolid = true;
+  using Pixel = typename Store::Pixel;
   Store store;
 
-  Depth_Span_Filler(std::int32_t bias, byte* const* r, byte* const* z, const Store& s)
-      : Depth_Edges{bias}, rows(r), depth_rows(z), store(s) {}
-
   void pixel(Pixel* p, std::uint16_t* zp, std::uint16_t d, std::int32_t row) const {
-    depth_pixel<Test, kWriteDepth>(store, p, zp, d, row);
+    depth_pixel<typename Rule::Test, Rule::kWriteDepth>(store, p, zp, d, row);
   }
-
-  void span(std::int32_t row, std::int32_t xl, std::int32_t xr, const Depth_Attributes& left,
-            const Depth_Attributes& right) const {
-    const std::int32_t n = xr - xl;
-    if (n < 1) return;
-    Pixel* p = reinterpret_cast<Pixel*>(rows[row]) + xl;
-    std::uint16_t* zp = reinterpret_cast<std::uint16_t*>(depth_rows[row]) + xl;
-    if (n == 1) {
-      pixel(p, zp, depth_of(left.z), row);
-      return;
-    }
-    if (n == 2) {
-      // The right pixel takes the middle of the two ends, and goes first.
-      pixel(p + 1, zp + 1, depth_of((right.z >> 1) + (left.z >> 1)), row);
-      pixel(p, zp, depth_of(left.z), row);
-      return;
-    }
-    // The edges' fractions are dropped at the span's start; the end value is
-    // not reached on the last pixel.
-    const std::int32_t a = depth_of(left.z);
-    const std::int32_t b = depth_of(right.z);
-    const std::int32_t step = slope15(b - a, n);
-    std::uint32_t z = static_cast<std::uint32_t>(a) * 32768u + 16384u;
-    for (std::int32_t i = 0; i < n; ++i) {
-      pixel(p + i, zp + i, static_cast<std::uint16_t>(z >> 15), row);
-      z += static_cast<std::uint32_t>(step);
-    }
+  void run(const Depth_Span_At<Pixel>& at, std::int32_t n, std::uint32_t z, std::int32_t step) const {
+    for (std::int32_t i = 0; i < n; ++i, z += static_cast<std::uint32_t>(step))
+      pixel(at.p + i, at.zp + i, static_cast<std::uint16_t>(z >> 15), at.row);
   }
 };
 
-// The pattern path: depth stepped over every span alike, the test before the
-// pattern bit, and the column phase moving on whatever the test says.
-template <Pixel_Store Main, Pixel_Store Contrast, class Test, bool kWriteDepth>
-struct Depth_Pattern_Span_Filler : Depth_Edges {
+// A patterned run: the test comes first, then the bit; the column phase moves
+// on whatever the test says. A hole without contrast changes nothing.
+template <Pixel_Store Main, Pixel_Store Contrast, class Rule>
+struct Depth_Pattern_Pixels {
+  static constexpr bool kSolid = false;
   using Pixel = typename Main::Pixel;
-
-  byte* const* rows;
-  byte* const* depth_rows;
   Main main;
   Contrast contrast;
   const Pattern_Source* source;
-  bool contrast_on;
 
-  Depth_Pattern_Span_Filler(std::int32_t bias, byte* const* r, byte* const* z, const Main& m, const Contrast& c,
-                            const Pattern_Source* s, bool on)
-      : Depth_Edges{bias}, rows(r), depth_rows(z), main(m), contrast(c), source(s), contrast_on(on) {}
-
-  void span(std::int32_t row, std::int32_t xl, std::int32_t xr, const Depth_Attributes& left,
-            const Depth_Attributes& right) const {
-    const std::int32_t n = xr - xl;
-    if (n < 1) return;
-    Pixel* p = reinterpret_cast<Pixel*>(rows[row]) + xl;
-    std::uint16_t* zp = reinterpret_cast<std::uint16_t*>(depth_rows[row]) + xl;
-    const std::int32_t a = depth_of(left.z);
-    const std::int32_t step = slope15(depth_of(right.z) - a, n);
-    std::uint32_t z = static_cast<std::uint32_t>(a) * 32768u + 16384u;
-    Pattern_Row bits(*source, row, xl);
+  void run(const Depth_Span_At<Pixel>& at, std::int32_t n, std::uint32_t z, std::int32_t step) const {
+    Pattern_Row bits(*source, at.row, at.xl);
     for (std::int32_t i = 0; i < n; ++i, bits.next(), z += static_cast<std::uint32_t>(step)) {
       const std::uint16_t d = static_cast<std::uint16_t>(z >> 15);
       if (!bits.hole())
-        depth_pixel<Test, kWriteDepth>(main, p + i, zp + i, d, row);
-      else if (contrast_on)
-        depth_pixel<Test, kWriteDepth>(contrast, p + i, zp + i, d, row);
+        depth_pixel<typename Rule::Test, Rule::kWriteDepth>(main, at.p + i, at.zp + i, d, at.row);
+      else if constexpr (!kLeavesHoles<Contrast>)
+        depth_pixel<typename Rule::Test, Rule::kWriteDepth>(contrast, at.p + i, at.zp + i, d, at.row);
     }
   }
 };
 
-// Walks a strip, triangle i with the store store_of(i), on the solid or the
-// pattern path.
-template <class Test, bool kWriteDepth, class Store_Of, class Contrast>
-void fill_depth_strip(const Software_Z_Buffer& r, const OT_Rendition& rendition, int count,
-                      const OT_DCI_Point* points, Face_Fill fill, Stipple_Flags flags, Store_Of store_of,
-                      const Contrast& contrast) {
-  using Store = decltype(store_of(0));
-  const std::int32_t bias = rendition->face->depth_bias;
-  byte* const* rows = r.color_image->device_rows;
-  byte* const* depth_rows = r.depth_image->device_rows;
-  if (fill == Face_Fill::solid) {
-    for (int i = 0; i + 2 < count; ++i) {
-      Depth_Span_Filler<Store, Test, kWriteDepth> filler(bias, rows, depth_rows, store_of(i));
-      walk_triangle(filler, {&points[i]}, {&points[i + 1]}, {&points[i + 2]}, r.origin_x, r.origin_y);
-    }
-    return;
+template <class Pixels>
+struct Depth_Filler : Depth_Edges {
+  using Pixel = typename Pixels::Pixel;
+  byte* const* rows;        // colour image
+  byte* const* depth_rows;  // depth image
+  Pixels pixels;
+
+  Depth_Span_At<Pixel> at(std::int32_t row, std::int32_t xl) const {
+    return {reinterpret_cast<Pixel*>(rows[row]) + xl, reinterpret_cast<std::uint16_t*>(depth_rows[row]) + xl,
+            row, xl};
   }
-  const Pattern_Source source = Pattern_Source::of(rendition, flags);
-  for (int i = 0; i + 2 < count; ++i) {
-    Depth_Pattern_Span_Filler<Store, Contrast, Test, kWriteDepth> filler(bias, rows, depth_rows, store_of(i),
-                                                                         contrast, &source, flags.contrast);
-    walk_triangle(filler, {&points[i]}, {&points[i + 1]}, {&points[i + 2]}, r.origin_x, r.origin_y);
+
+  // Inside: the solid path takes one and two pixels apart; otherwise the
+  // edges' fractions are dropped at the span's start, and the end value is not
+  // reached on the last pixel.
+  void span(std::int32_t row, std::int32_t xl, std::int32_t xr, const Depth_Attributes& left,
+            const Depth_Attributes& right) const {
+    const std::int32_t n = xr - xl;
+    if (n < 1) return;
+    if constexpr (Pixels::kSolid) {
+      if (n <= 2) {
+        const Depth_Span_At<Pixel> first = at(row, xl);
+        // Of two pixels the right one takes the middle of the two ends, and
+        // goes first.
+        if (n == 2) pixels.pixel(first.p + 1, first.zp + 1, depth_of((right.z >> 1) + (left.z >> 1)), row);
+        pixels.pixel(first.p, first.zp, depth_of(left.z), row);
+        return;
+      }
+    }
+    const std::int32_t a = depth_of(left.z);
+    pixels.run(at(row, xl), n, static_cast<std::uint32_t>(a) * 32768u + 16384u,
+               slope15(depth_of(right.z) - a, n));
+  }
+
+  // Across the clip: depth from the span's full ends, slope15 over the
+  // unclamped width, started at the clamped left end.
+  void clipped_span(std::int32_t row, std::int32_t xl, std::int32_t xr, std::int32_t full_xl,
+                    std::int32_t full_xr, const Depth_Attributes& left, const Depth_Attributes& right) const {
+    const std::int32_t a = depth_of(left.z);
+    const std::int32_t step = slope15(depth_of(right.z) - a, full_xr - full_xl);
+    const std::uint32_t z = (static_cast<std::uint32_t>(a) << 15) + 0x4000u +
+                            static_cast<std::uint32_t>(xl - full_xl) * static_cast<std::uint32_t>(step);
+    pixels.run(at(row, xl), xr - xl, z, step);
+  }
+};
+
+// What the depth fillers of one strip share beside the colour setup.
+struct Depth_Setup {
+  std::int32_t bias;
+  byte* const* depth_rows;
+};
+
+// The depth filler for one triangle's writers: walk(filler).
+template <class Rule, class Main, class Contrast, class Walk>
+inline void with_depth_filler(const Fill_Setup& setup, const Depth_Setup& depth, const Main& main,
+                              const Contrast& contrast, Walk&& walk) {
+  if (setup.fill == Face_Fill::solid) {
+    Depth_Filler<Depth_Solid_Pixels<Main, Rule>> filler{{depth.bias}, setup.rows, depth.depth_rows, {main}};
+    walk(filler);
+  } else if (setup.contrast_on) {
+    Depth_Filler<Depth_Pattern_Pixels<Main, Contrast, Rule>> filler{
+        {depth.bias}, setup.rows, depth.depth_rows, {main, contrast, setup.source}};
+    walk(filler);
+  } else {
+    Depth_Filler<Depth_Pattern_Pixels<Main, No_Store<typename Main::Pixel>, Rule>> filler{
+        {depth.bias}, setup.rows, depth.depth_rows, {main, {}, setup.source}};
+    walk(filler);
   }
 }
 
-// "ZBuffer Write" is read afresh for each primitive.
-template <class Test, class... Args>
-void fill_depth_strip_writing(const Software_Z_Buffer& r, Args&&... args) {
-  if (r.depth_write)
-    fill_depth_strip<Test, true>(r, args...);
-  else
-    fill_depth_strip<Test, false>(r, args...);
+// The rule of the RGB32 opaque depth mode: "ZBuffer Test" and "ZBuffer
+// Write", read afresh for each primitive.
+template <class Body>
+inline void with_depth_options(std::int32_t zbuffer_test, bool write, Body&& body) {
+  with_depth_test(zbuffer_test, [&]<class Test>() {
+    if (write)
+      body.template operator()<Depth_Rule<Test, true>>();
+    else
+      body.template operator()<Depth_Rule<Test, false>>();
+  });
 }
 
 }  // namespace tarn

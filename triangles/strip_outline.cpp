@@ -1,9 +1,14 @@
 #include "triangles/strip_outline.h"
 
-#include "lines/clipped_polylines.h"
 #include "pixel/rounding.h"
 
 namespace tarn {
+
+// The outline draws with the RGB32 depth mode's clipping polyline, an action
+// of the line family; it is named here by its action signature so that the
+// triangle layer includes nothing of the line layer.
+void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                          const OT_DCI_Point* points);
 
 void draw_strip_outline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                         const OT_DCI_Point* points) {
