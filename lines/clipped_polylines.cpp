@@ -85,8 +85,6 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
   }
 }
 
-}  // namespace
-
 // The 2DI line family. The entry tests, in their order: no image or a short
 // list returns; wide or patterned lines go to the host; depth off takes the
 // mode without depth. A single opaque colour in the blending mode without
@@ -106,15 +104,31 @@ void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, i
   clip_in_mode<Mode>(object, rendition, count, points);
 }
 
-template void clipped_polyline<Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void clipped_polyline<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                              const OT_DCI_Point*);
-template void clipped_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void clipped_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                                 const OT_DCI_Point*);
-template void clipped_polyline<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                             const OT_DCI_Point*);
-template void clipped_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                                   const OT_DCI_Point*);
+}  // namespace
+
+void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                               const OT_DCI_Point* points) {
+  clipped_polyline<Mapped>(object, rendition, count, points);
+}
+void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                 const OT_DCI_Point* points) {
+  clipped_polyline<Z_Mapped>(object, rendition, count, points);
+}
+void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                              const OT_DCI_Point* points) {
+  clipped_polyline<Rgb32>(object, rendition, count, points);
+}
+void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                    const OT_DCI_Point* points) {
+  clipped_polyline<Rgb32_Alpha>(object, rendition, count, points);
+}
+void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                const OT_DCI_Point* points) {
+  clipped_polyline<Z_Rgb32>(object, rendition, count, points);
+}
+void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                      const OT_DCI_Point* points) {
+  clipped_polyline<Z_Rgb32_Alpha>(object, rendition, count, points);
+}
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// The six modes and four coordinate forms of the triangle actions as types,
+// The four coordinate forms of the triangle actions as types,
 // and what one strip call knows once its entry tests are passed.
 #pragma once
 
@@ -7,37 +7,11 @@
 #include "frame/software_z_buffer.h"
 #include "pixel/face_pattern.h"
 #include "pixel/merge.h"
+#include "pixel/modes.h"
 
 namespace tarn {
 
-// ---- Modes --------------------------------------------------------------------
-// kIndex: 8-bit palette pixels; kDepth: the depth buffer; kAlpha: the RGB32
-// alpha filler. Without_Depth is the mode that takes over when a rendition
-// turns depth off; Alpha_Path the one that takes the alpha path bit.
-
-struct Mapped {
-  static constexpr bool kIndex = true, kDepth = false, kAlpha = false;
-};
-struct Rgb32_Alpha {
-  static constexpr bool kIndex = false, kDepth = false, kAlpha = true;
-};
-struct Rgb32 {
-  static constexpr bool kIndex = false, kDepth = false, kAlpha = false;
-  using Alpha_Path = Rgb32_Alpha;
-};
-struct Z_Mapped {
-  static constexpr bool kIndex = true, kDepth = true, kAlpha = false;
-  using Without_Depth = Mapped;
-};
-struct Z_Rgb32_Alpha {
-  static constexpr bool kIndex = false, kDepth = true, kAlpha = true;
-  using Without_Depth = Rgb32_Alpha;
-};
-struct Z_Rgb32 {
-  static constexpr bool kIndex = false, kDepth = true, kAlpha = false;
-  using Without_Depth = Rgb32;
-  using Alpha_Path = Z_Rgb32_Alpha;
-};
+// ---- Modes: pixel/modes.h; what the triangle families ask of them --------------
 
 template <class Mode>
 inline constexpr bool kRgb32Opaque = !Mode::kIndex && !Mode::kAlpha;
