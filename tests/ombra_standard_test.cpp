@@ -21,8 +21,8 @@ OT_Rendition window() { return OT_Rendition::make_default(20, 20, OB_Default_Pal
 // they send down through the slots.
 const std::pair<const char*, std::vector<std::string>> kChains[] = {
     // Float and double forms round to nearest, halves upward, saturated.
-    {"2d_polytriangle 0.5,-0.5,2.5 1.49,-1.5,-2.5 -0.51,7,0", {"2di_polytriangle 1,0,3 1,-1,-2 -1,7,0"}},
-    {"dc_polytriangle 0.5,-0.5,2.5 1.49,-1.5,-2.5 -0.51,7,0", {"dci_polytriangle 1,0,3 1,-1,-2 -1,7,0"}},
+    {"2d_polytriangle 0.5,-0.5,2.5 1.49,-1.5,-2.5 -0.51,7,0; dc_polytriangle 0.5,-0.5,2.5 -2.5,2.51,0 1,2,3",
+     {"2di_polytriangle 1,0,3 1,-1,-2 -1,7,0", "dci_polytriangle 1,0,3 -2,3,0 1,2,3"}},
     {"tiled_colorized_polytriangle 0.25,-0.75,0.5 2.5,3.5,-0.5 -2.5,1,1 #405060 single",
      {"2di_colorized_polytriangle 0,-1,1 3,4,0 -2,1,1 #405060 single"}},
     {"tiled_polyline -1e12,5,0 1e12,5.5,nan", {"2di_polyline -2147483648,5,0 2147483647,6,0"}},
@@ -35,6 +35,8 @@ const std::pair<const char*, std::vector<std::string>> kChains[] = {
     // order, with z and the lists interpolated.
     {"2di_polytriangle 0,0,1 19,0,2 0,19,3 19,19,4", {"dci_polytriangle 0,0,1 19,0,2 0,19,3 19,19,4"}},
     {"2di_polytriangle 20,0,0 30,0,0 20,10,0 40,50,0", {}},
+    {"2di_polytriangle 30,5,0 20,10,0 10,5,0",
+     {"dci_polytriangle 20,10,0 10,5,0 20,5,0"}},  // a corner on the cut
     {"2di_colorized_polytriangle 1,1,0 1,5,0 5,1,0 5,5,0 30,1,0 30,5,0 #102030 #405060 #708090 #a0b0c080",
      {"dci_colorized_polytriangle 1,1,0 1,5,0 5,1,0 5,5,0 #102030",
       "dci_colorized_polytriangle 5,1,0 5,5,0 20,1,0 20,3,0 #708090 single",

@@ -1,4 +1,5 @@
-// The face pattern stipples and the dither thresholds.
+// The face pattern stipples and the dither thresholds: the host's data,
+// whose bytes are its own; what renderers rely on are their properties.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,26 +27,23 @@ TEST(OmbraStipples, GreyLevelKDrawsKPixelsAndAddsToTheLevelBefore) {
   for (int r = 0; r < 8; ++r) EXPECT_EQ(OMBRA.stipples[32][r], r % 2 == 0 ? 0xAA : 0x55) << r;
 }
 
-TEST(OmbraStipples, Hatches) {
-  const byte rising[4] = {0xEE, 0xDD, 0xBB, 0x77}, falling[4] = {0x77, 0xBB, 0xDD, 0xEE};
-  for (int r = 0; r < 8; ++r) {
-    const std::vector<int> row = {OMBRA.stipples[65][r], OMBRA.stipples[66][r], OMBRA.stipples[67][r],
-                                  OMBRA.stipples[68][r], OMBRA.stipples[69][r], OMBRA.stipples[70][r],
-                                  OMBRA.stipples[71][r], OMBRA.stipples[72][r], OMBRA.stipples[73][r]};
-    const std::vector<int> expected = {r % 4 ? 0xFF : 0x00, 0xEE,
-                                       rising[r % 4],       falling[r % 4],
-                                       r % 4 ? 0xEE : 0x00, rising[r % 4] & falling[r % 4],
-                                       r % 2 ? 0xFF : 0x00, 0xAA,
-                                       r % 4 ? 0xFF : 0xEE};
-    EXPECT_EQ(row, expected) << r;
+// Hatches repeat every four pixels both ways (the dense ones every two) and
+// draw their number of pixels: lines, crosses, dots.
+TEST(OmbraStipples, HatchesRepeatAndDrawTheirCounts) {
+  const int counts[9] = {16, 16, 16, 16, 28, 32, 32, 32, 4};
+  for (int k = 65; k <= 73; ++k) {
+    int pixels = 0;
+    for (int r = 0; r < 8; ++r) {
+      pixels += std::popcount(drawn(k, r));
+      EXPECT_EQ(drawn(k, r), drawn(k, r % 4)) << k;
+      EXPECT_EQ(drawn(k, r) >> 4, drawn(k, r) & 15) << k;
+    }
+    EXPECT_EQ(pixels, counts[k - 65]) << k;
   }
 }
 
 TEST(OmbraDither, CentredBinsOfAnOrderedMatrix) {
   std::vector<int> values(SHARED.dither, SHARED.dither + 64);
-  EXPECT_EQ(values[0], 512);
-  EXPECT_EQ(values[1], 32 * 1024 + 512);
-  EXPECT_EQ(values[8], 48 * 1024 + 512);
   // Horizontal neighbours differ by at least a quarter of the range.
   for (int i = 0; i < 64; ++i)
     EXPECT_GE(std::abs(values[i] - values[i / 8 * 8 + (i + 1) % 8]), 16 * 1024) << i;
