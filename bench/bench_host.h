@@ -194,7 +194,8 @@ class Nearer_Depth {
 };
 
 inline void set_rate(benchmark::State& state, const char* name, double per_iteration) {
-  state.counters[name] = benchmark::Counter(per_iteration * double(state.iterations()), benchmark::Counter::kIsRate);
+  state.counters[name] =
+      benchmark::Counter(per_iteration * double(state.iterations()), benchmark::Counter::kIsRate);
 }
 
 }  // namespace tarn::bench

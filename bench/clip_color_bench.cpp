@@ -10,7 +10,6 @@
 namespace tarn::bench {
 namespace {
 
-
 using Strip = std::vector<OT_DCI_Point>;
 
 // 100 triangles of base 16 and height 64, one strip of 102 points.
@@ -50,9 +49,11 @@ BENCHMARK_CAPTURE(BM_Translucent_Strip, z_rgb32_alpha, kZRgb32Alpha);
 void BM_Colorized_Strip(benchmark::State& state, const Mode& mode) {
   Bench_Host host(mode);
   std::vector<OT_RGB32> colors;
-  for (int i = 0; i < 100; ++i) colors.push_back(OT_RGB32::rgba(37 * i % 256, 91 * i % 256, 53 * i % 256, 255));
+  for (int i = 0; i < 100; ++i)
+    colors.push_back(OT_RGB32::rgba(37 * i % 256, 91 * i % 256, 53 * i % 256, 255));
   run_strip(state, host, medium_strip(), [&](const Strip& s) {
-    host.renderer().draw_dci_colorized_polytriangle(host.rendition(), int(s.size()), s.data(), colors.data(), false);
+    host.renderer().draw_dci_colorized_polytriangle(host.rendition(), int(s.size()), s.data(), colors.data(),
+                                                    false);
   });
 }
 BENCHMARK_CAPTURE(BM_Colorized_Strip, mapped, kMapped);

@@ -10,7 +10,6 @@
 namespace tarn::bench {
 namespace {
 
-
 // A zigzag polyline of `segments` segments, each `length` long, at every
 // angle of a fan.
 std::vector<OT_DCI_Point> fan_polyline(int segments, int length) {
@@ -19,7 +18,8 @@ std::vector<OT_DCI_Point> fan_polyline(int segments, int length) {
   for (int i = 0; i <= segments; ++i) {
     const double angle = 0.37 * i;
     const int r = (i % 2) ? length : 0;
-    points.push_back({cx + int(std::lround(r * std::cos(angle))), cy + int(std::lround(r * std::sin(angle))), 100});
+    points.push_back(
+        {cx + int(std::lround(r * std::cos(angle))), cy + int(std::lround(r * std::sin(angle))), 100});
   }
   return points;
 }

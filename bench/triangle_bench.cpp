@@ -97,7 +97,8 @@ void BM_Small_DC(benchmark::State& state, Mode mode) { run_dc(state, mode, small
 void BM_Single_Triangle_DCI(benchmark::State& state, Mode mode) {
   Strips triangles;
   for (const auto& strip : small_strips())
-    for (std::size_t i = 0; i + 2 < strip.size(); ++i) triangles.push_back({strip[i], strip[i + 1], strip[i + 2]});
+    for (std::size_t i = 0; i + 2 < strip.size(); ++i)
+      triangles.push_back({strip[i], strip[i + 1], strip[i + 2]});
   run_dci(state, mode, triangles);
 }
 

@@ -17,7 +17,8 @@ struct Clear_Area {
   bool empty;
 };
 
-Clear_Area clear_area(const Software_Z_Buffer& renderer, const OT_Int_Rectangle& clip, const OT_Shared_Image_Data& image) {
+Clear_Area clear_area(const Software_Z_Buffer& renderer, const OT_Int_Rectangle& clip,
+                      const OT_Shared_Image_Data& image) {
   Clear_Area area;
   const std::int32_t l = clip.left - renderer.origin_x;
   area.r = std::min(clip.right - renderer.origin_x, image.width - 1);
@@ -29,8 +30,8 @@ Clear_Area clear_area(const Software_Z_Buffer& renderer, const OT_Int_Rectangle&
   return area;
 }
 
-void copy_rows_down(byte* const* source_rows, std::int32_t column_bytes, std::int32_t y_from, std::int32_t y_to,
-                    byte* destination, std::int32_t destination_step, std::int32_t bytes) {
+void copy_rows_down(byte* const* source_rows, std::int32_t column_bytes, std::int32_t y_from,
+                    std::int32_t y_to, byte* destination, std::int32_t destination_step, std::int32_t bytes) {
   if (bytes <= 0) return;
   for (std::int32_t y = y_from; y >= y_to; --y) {
     std::memcpy(destination, source_rows[y] + column_bytes, static_cast<std::size_t>(bytes));
@@ -39,9 +40,9 @@ void copy_rows_down(byte* const* source_rows, std::int32_t column_bytes, std::in
 }
 
 // The read forms for one pixel size and format, with no clip at all.
-void read_unclipped(const Software_Z_Buffer& renderer, const OT_Shared_Image_Data& buffer, OT_Image_Format own,
-                    const OT_DCI_Point* first, const OT_DCI_Point* last, OT_Image_Format* format,
-                    OT_Shared_Image& image) {
+void read_unclipped(const Software_Z_Buffer& renderer, const OT_Shared_Image_Data& buffer,
+                    OT_Image_Format own, const OT_DCI_Point* first, const OT_DCI_Point* last,
+                    OT_Image_Format* format, OT_Shared_Image& image) {
   if (*format != own && *format != OT_Image_Format_Native) {
     image.reset();
     return;
@@ -119,7 +120,8 @@ void z_clear_depth(OT_Renderer_Data* object, const OT_Rendition& rendition) {
   }
   const std::int32_t bytes = (rr - l) * 2 + 2;
   if (bytes <= 0) return;
-  for (std::int32_t y = b; y <= t; ++y) std::memset(image.device_rows[y] + l * 2, 255, static_cast<std::size_t>(bytes));
+  for (std::int32_t y = b; y <= t; ++y)
+    std::memset(image.device_rows[y] + l * 2, 255, static_cast<std::size_t>(bytes));
 }
 
 void no_clear_depth(OT_Renderer_Data*, const OT_Rendition&) {}
@@ -151,7 +153,8 @@ void rgb32_read_color_rectangle(OT_Renderer_Data* object, const OT_Rendition&, c
   const std::int32_t h = first->y - last->y + 1;
 
   if (!image || !image->full_frame) {
-    if (image && !(image->width == w && image->height == h && image->format == OT_Image_Format_RGB32)) image.reset();
+    if (image && !(image->width == w && image->height == h && image->format == OT_Image_Format_RGB32))
+      image.reset();
     if (!image) image = OT_Shared_Image(w, h, OT_Image_Format_RGB32, w * 4, nullptr, false);
     if (!image) return;
     std::int32_t n = w * 4;
@@ -170,10 +173,12 @@ void rgb32_read_color_rectangle(OT_Renderer_Data* object, const OT_Rendition&, c
 
   // Full frame: the caller keeps a copy of the whole buffer and refreshes
   // part of it, row for row through top_rows with the device row number.
-  if (!(image->width == buffer.width && image->height == buffer.height && image->format == OT_Image_Format_RGB32))
+  if (!(image->width == buffer.width && image->height == buffer.height &&
+        image->format == OT_Image_Format_RGB32))
     image.reset();
   if (!image) {
-    image = OT_Shared_Image(buffer.width, buffer.height, OT_Image_Format_RGB32, buffer.row_bytes, nullptr, false);
+    image =
+        OT_Shared_Image(buffer.width, buffer.height, OT_Image_Format_RGB32, buffer.row_bytes, nullptr, false);
     if (!image) return;
     image->full_frame = 1;
   }

@@ -9,7 +9,11 @@ class Mask_Cache_Data : public OT_Counted {
   Mask_Cache_Data() = default;
   // A new counted record over the same list: the masks are not copied.
   Mask_Cache_Data(const Mask_Cache_Data& other)
-      : OT_Counted(other), head(other.head), tail(other.tail), mask_count(other.mask_count), limit(other.limit) {}
+      : OT_Counted(other),
+        head(other.head),
+        tail(other.tail),
+        mask_count(other.mask_count),
+        limit(other.limit) {}
   Mask_Cache_Data& operator=(const Mask_Cache_Data&) = delete;
   ~Mask_Cache_Data() override { empty(); }
   OT_Counted* clone() const override { return new Mask_Cache_Data(*this); }

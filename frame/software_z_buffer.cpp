@@ -40,7 +40,9 @@ Software_Z_Buffer::~Software_Z_Buffer() {
 
 OT_Counted* Software_Z_Buffer::clone() const { return nullptr; }
 
-OT_Renderer_Options* Software_Z_Buffer::current_renderer_options() { return &root->current_renderer_options_; }
+OT_Renderer_Options* Software_Z_Buffer::current_renderer_options() {
+  return &root->current_renderer_options_;
+}
 
 const OT_Renderer_Options* Software_Z_Buffer::current_renderer_options() const {
   return &root->current_renderer_options_;

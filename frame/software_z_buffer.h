@@ -56,4 +56,6 @@ class Software_Z_Buffer : public OT_Renderer_Data {
 };
 
 // Action functions receive the renderer as the slot's object.
-inline Software_Z_Buffer& renderer_of(OT_Renderer_Data* object) { return *static_cast<Software_Z_Buffer*>(object); }
+inline Software_Z_Buffer& renderer_of(OT_Renderer_Data* object) {
+  return *static_cast<Software_Z_Buffer*>(object);
+}

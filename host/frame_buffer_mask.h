@@ -16,10 +16,10 @@ class OMBRA_API Frame_Buffer_Mask : public OT_Object {
   // becomes the contour set's serial.
   void clear_and_rasterize_mask(const OT_Contour_Set& contours);
 
-  OT_Shared_Image image;       // the bits, through device_rows
-  OT_Shared_Image scratch;     // host only
-  std::uint32_t key = 0;       // serial of the contour set; 0 when empty
-  OT_Contour_Set contours;     // host only
+  OT_Shared_Image image;                  // the bits, through device_rows
+  OT_Shared_Image scratch;                // host only
+  std::uint32_t key = 0;                  // serial of the contour set; 0 when empty
+  OT_Contour_Set contours;                // host only
   Frame_Buffer_Mask* next = nullptr;      // towards older entries
   Frame_Buffer_Mask* previous = nullptr;  // towards newer entries
 };

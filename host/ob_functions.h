@@ -50,18 +50,20 @@ OMBRA_API void OB_Preclip_Tail(short code, const OT_Int_Rectangle& rectangle, co
                                OT_DCI_Point* out_point, const OT_RGB32* colors, OT_RGB32* out_color);
 // A segment with both ends outside: true and its two cut points when it
 // crosses the rectangle.
-OMBRA_API bool OB_Preclip_Ends(const short* codes, const OT_Int_Rectangle& rectangle, const OT_Point_D* points,
-                               OT_DCI_Point* out_points, const OT_RGB32* colors, OT_RGB32* out_colors);
+OMBRA_API bool OB_Preclip_Ends(const short* codes, const OT_Int_Rectangle& rectangle,
+                               const OT_Point_D* points, OT_DCI_Point* out_points, const OT_RGB32* colors,
+                               OT_RGB32* out_colors);
 // Clips the triangle points[0..2] to the rectangle; true with out_count points
 // (a convex polygon as a strip) when something remains. A list is read and
 // written only when both its input and output are given; outputs need room
 // for 7 points.
 OMBRA_API bool OB_Preclip_2D_Triangle(const OT_Renderer_Data* renderer, const OT_Rendition* rendition,
-                                      const OT_Int_Rectangle& rectangle, const OT_Point_D* points, int& out_count,
-                                      OT_DCI_Point* out_points, const OT_RGB32* colors, OT_RGB32* out_colors,
-                                      const OT_Parameter* parameters, int parameter_width,
-                                      OT_Parameter* out_parameters, const float* w_values, float* out_w_values,
-                                      const OT_Vector* normals, OT_Vector* out_normals);
+                                      const OT_Int_Rectangle& rectangle, const OT_Point_D* points,
+                                      int& out_count, OT_DCI_Point* out_points, const OT_RGB32* colors,
+                                      OT_RGB32* out_colors, const OT_Parameter* parameters,
+                                      int parameter_width, OT_Parameter* out_parameters,
+                                      const float* w_values, float* out_w_values, const OT_Vector* normals,
+                                      OT_Vector* out_normals);
 
 // ---- Polygons -------------------------------------------------------------
 
@@ -81,7 +83,7 @@ OMBRA_API void OB_ReleaseMemory(void* memory);
 #define OB_DECLARE_STANDARD(Name, ...) \
   OMBRA_API void Name(OT_Renderer_Data* renderer, const OT_Rendition& rendition, __VA_ARGS__);
 
-#define OB_STANDARD_FAMILY(Family, ARGS)                     \
+#define OB_STANDARD_FAMILY(Family, ARGS)                                 \
   OB_DECLARE_STANDARD(OB_Standard_Draw_2D_##Family, ARGS(OT_Point))      \
   OB_DECLARE_STANDARD(OB_Standard_Draw_DC_##Family, ARGS(OT_Point))      \
   OB_DECLARE_STANDARD(OB_Standard_Draw_2DI_##Family, ARGS(OT_DCI_Point)) \

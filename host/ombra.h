@@ -1,6 +1,7 @@
 // The whole host boundary in one include.
 #pragma once
 
+#include "host/frame_buffer_mask.h"
 #include "host/ob_functions.h"
 #include "host/ot_base.h"
 #include "host/ot_geometry.h"
@@ -10,4 +11,3 @@
 #include "host/ot_palette.h"
 #include "host/ot_renderer_data.h"
 #include "host/ot_rendition.h"
-#include "host/frame_buffer_mask.h"

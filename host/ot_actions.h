@@ -44,11 +44,11 @@ struct OT_Action {
 #define OT_RGB32_IMAGE_ARGS(P) const P*, const P*, int, const OT_RGB32*, int, const OT_Packing*
 
 // A family of five slots: 2D, DC, 2DI, DCI, tiled.
-#define OT_ACTION_FAMILY(X, family, ARGS)        \
-  X(draw_2d_##family, ARGS(OT_Point))            \
-  X(draw_dc_##family, ARGS(OT_Point))            \
-  X(draw_2di_##family, ARGS(OT_DCI_Point))       \
-  X(draw_dci_##family, ARGS(OT_DCI_Point))       \
+#define OT_ACTION_FAMILY(X, family, ARGS)  \
+  X(draw_2d_##family, ARGS(OT_Point))      \
+  X(draw_dc_##family, ARGS(OT_Point))      \
+  X(draw_2di_##family, ARGS(OT_DCI_Point)) \
+  X(draw_dci_##family, ARGS(OT_DCI_Point)) \
   X(draw_tiled_##family, ARGS(OT_Point_D))
 
 #define OT_RECTANGLE_READ_ARGS const OT_DCI_Point*, const OT_DCI_Point*, OT_Image_Format*, OT_Shared_Image&
@@ -56,23 +56,23 @@ struct OT_Action {
 #define OT_NO_ARGS
 
 // Every slot of the table, in the table's order. X(name, argument types...).
-#define OT_ACTION_SLOTS(X)                                          \
-  OT_ACTION_FAMILY(X, polytriangle, OT_PLAIN_ARGS)                  \
-  OT_ACTION_FAMILY(X, colorized_polytriangle, OT_COLORIZED_ARGS)    \
-  OT_ACTION_FAMILY(X, gouraud_polytriangle, OT_GOURAUD_ARGS)        \
-  OT_ACTION_FAMILY(X, textured_polytriangle, OT_TEXTURED_ARGS)      \
-  OT_ACTION_FAMILY(X, polyline, OT_PLAIN_ARGS)                      \
-  OT_ACTION_FAMILY(X, colorized_polyline, OT_COLORIZED_ARGS)        \
-  OT_ACTION_FAMILY(X, gouraud_polyline, OT_GOURAUD_ARGS)            \
-  OT_ACTION_FAMILY(X, polymarker, OT_PLAIN_ARGS)                    \
-  OT_ACTION_FAMILY(X, polygon, OT_GOURAUD_ARGS)                     \
-  OT_ACTION_FAMILY(X, dot, OT_DOT_ARGS)                             \
-  OT_ACTION_FAMILY(X, rgb32_image, OT_RGB32_IMAGE_ARGS)             \
-  OT_ACTION_FAMILY(X, index8_image, OT_INDEX8_IMAGE_ARGS)           \
-  X(write_depth_rectangle, OT_RECTANGLE_WRITE_ARGS)                 \
-  X(read_color_rectangle, OT_RECTANGLE_READ_ARGS)                   \
-  X(read_depth_rectangle, OT_RECTANGLE_READ_ARGS)                   \
-  X(clear_color, OT_NO_ARGS)                                        \
+#define OT_ACTION_SLOTS(X)                                       \
+  OT_ACTION_FAMILY(X, polytriangle, OT_PLAIN_ARGS)               \
+  OT_ACTION_FAMILY(X, colorized_polytriangle, OT_COLORIZED_ARGS) \
+  OT_ACTION_FAMILY(X, gouraud_polytriangle, OT_GOURAUD_ARGS)     \
+  OT_ACTION_FAMILY(X, textured_polytriangle, OT_TEXTURED_ARGS)   \
+  OT_ACTION_FAMILY(X, polyline, OT_PLAIN_ARGS)                   \
+  OT_ACTION_FAMILY(X, colorized_polyline, OT_COLORIZED_ARGS)     \
+  OT_ACTION_FAMILY(X, gouraud_polyline, OT_GOURAUD_ARGS)         \
+  OT_ACTION_FAMILY(X, polymarker, OT_PLAIN_ARGS)                 \
+  OT_ACTION_FAMILY(X, polygon, OT_GOURAUD_ARGS)                  \
+  OT_ACTION_FAMILY(X, dot, OT_DOT_ARGS)                          \
+  OT_ACTION_FAMILY(X, rgb32_image, OT_RGB32_IMAGE_ARGS)          \
+  OT_ACTION_FAMILY(X, index8_image, OT_INDEX8_IMAGE_ARGS)        \
+  X(write_depth_rectangle, OT_RECTANGLE_WRITE_ARGS)              \
+  X(read_color_rectangle, OT_RECTANGLE_READ_ARGS)                \
+  X(read_depth_rectangle, OT_RECTANGLE_READ_ARGS)                \
+  X(clear_color, OT_NO_ARGS)                                     \
   X(clear_depth, OT_NO_ARGS)
 
 #define OT_DECLARE_ACTION_SLOT(name, ...) OT_Action<__VA_ARGS__> name;

@@ -9,8 +9,8 @@
 
 // Image factory: makes an image of width x height in *format and stores a
 // handle to it in *image_out, releasing what stood there.
-using OT_Image_Factory_Function = void (*)(void* context, int width, int height, const OT_Image_Format* format,
-                                           OT_Shared_Image* image_out);
+using OT_Image_Factory_Function = void (*)(void* context, int width, int height,
+                                           const OT_Image_Format* format, OT_Shared_Image* image_out);
 // Window update: the region from `first` (left, top) to `last` (right, bottom)
 // of *image is finished; x, y place it in the window, whose y runs downwards.
 using OT_Window_Update_Function = void (*)(void* context, const OT_DCI_Point* first, const OT_DCI_Point* last,

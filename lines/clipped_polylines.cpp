@@ -96,10 +96,12 @@ void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, i
   if (nothing_to_draw(renderer_of(object), count)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition)) return clip_in_mode<typename Mode::Without_Depth>(object, rendition, count, points);
+    if (depth_off(rendition))
+      return clip_in_mode<typename Mode::Without_Depth>(object, rendition, count, points);
   }
   if constexpr (Mode::kAlpha && !Mode::kDepth) {
-    if (rendition->colors->color.a > 254) return clip_in_mode<typename Mode::Opaque>(object, rendition, count, points);
+    if (rendition->colors->color.a > 254)
+      return clip_in_mode<typename Mode::Opaque>(object, rendition, count, points);
   }
   clip_in_mode<Mode>(object, rendition, count, points);
 }
@@ -107,27 +109,27 @@ void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, i
 }  // namespace
 
 void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                               const OT_DCI_Point* points) {
+                         const OT_DCI_Point* points) {
   clipped_polyline<Mapped>(object, rendition, count, points);
 }
 void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                 const OT_DCI_Point* points) {
+                           const OT_DCI_Point* points) {
   clipped_polyline<Z_Mapped>(object, rendition, count, points);
 }
 void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                              const OT_DCI_Point* points) {
+                        const OT_DCI_Point* points) {
   clipped_polyline<Rgb32>(object, rendition, count, points);
 }
 void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                    const OT_DCI_Point* points) {
+                              const OT_DCI_Point* points) {
   clipped_polyline<Rgb32_Alpha>(object, rendition, count, points);
 }
 void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                const OT_DCI_Point* points) {
+                          const OT_DCI_Point* points) {
   clipped_polyline<Z_Rgb32>(object, rendition, count, points);
 }
 void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                      const OT_DCI_Point* points) {
+                                const OT_DCI_Point* points) {
   clipped_polyline<Z_Rgb32_Alpha>(object, rendition, count, points);
 }
 

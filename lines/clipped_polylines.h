@@ -9,16 +9,16 @@ namespace tarn {
 // Functions rather than aliases: the strip outline names z_rgb32_2di_polyline
 // by its signature without including this layer.
 void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                               const OT_DCI_Point* points);
+                         const OT_DCI_Point* points);
 void z_mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                 const OT_DCI_Point* points);
+                           const OT_DCI_Point* points);
 void rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                              const OT_DCI_Point* points);
+                        const OT_DCI_Point* points);
 void rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                    const OT_DCI_Point* points);
+                              const OT_DCI_Point* points);
 void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                const OT_DCI_Point* points);
+                          const OT_DCI_Point* points);
 void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                                      const OT_DCI_Point* points);
+                                const OT_DCI_Point* points);
 
 }  // namespace tarn

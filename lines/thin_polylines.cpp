@@ -16,7 +16,8 @@ template <class Mode, class Paint>
 void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
                const Paint& paint) {
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition)) return dci_lines<typename Mode::Without_Depth>(object, rendition, count, points, paint);
+    if (depth_off(rendition))
+      return dci_lines<typename Mode::Without_Depth>(object, rendition, count, points, paint);
   }
   if constexpr (Mode::kAlpha && !Mode::kDepth) {
     if (paint.single && paint.colors[0].a > 254)
@@ -59,20 +60,18 @@ void dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendit
 template void dci_polyline<Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 template void dci_polyline<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 template void dci_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void dci_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                             const OT_DCI_Point*);
+template void dci_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 template void dci_polyline<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void dci_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                               const OT_DCI_Point*);
+template void dci_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 
 using Colors = const OT_RGB32*;
-template void dci_colorized_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                                 const OT_DCI_Point*, Colors, bool);
+template void dci_colorized_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*,
+                                            Colors, bool);
 template void dci_colorized_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                                       const OT_DCI_Point*, Colors, bool);
+                                                  const OT_DCI_Point*, Colors, bool);
 template void dci_colorized_polyline<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                                   const OT_DCI_Point*, Colors, bool);
+                                              const OT_DCI_Point*, Colors, bool);
 template void dci_colorized_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                                         const OT_DCI_Point*, Colors, bool);
+                                                    const OT_DCI_Point*, Colors, bool);
 
 }  // namespace tarn

@@ -178,7 +178,7 @@ const Mode_Actions kZRgb32Actions = with_host_routines(
     true, true);
 
 const Mode_Actions* const kModeTable[] = {&kRgb32AlphaActions, &kRgb32Actions,       &kMappedActions,
-                                              &kZMappedActions,    &kZRgb32AlphaActions, &kZRgb32Actions};
+                                          &kZMappedActions,    &kZRgb32AlphaActions, &kZRgb32Actions};
 static_assert(std::size(kModeTable) == kModeCount, "one row a mode");
 
 }  // namespace

@@ -1,6 +1,6 @@
 // Making the renderer ready for drawing from the current options.
-#include "module/action_table.h"
 #include "frame/software_z_buffer.h"
+#include "module/action_table.h"
 
 namespace {
 
@@ -12,7 +12,8 @@ bool color_image_fits(const OT_Shared_Image& image, OT_Color_System system, OT_I
   return format_fits && image->width == size.x && image->height == size.y;
 }
 
-void make_image(const OT_Image_Factory& factory, OT_Int_XY size, OT_Image_Format format, OT_Shared_Image& image) {
+void make_image(const OT_Image_Factory& factory, OT_Int_XY size, OT_Image_Format format,
+                OT_Shared_Image& image) {
   if (factory.function) factory.function(factory.context, size.x, size.y, &format, &image);
 }
 
@@ -25,7 +26,8 @@ int closest_index(const OT_Palette& palette, const OT_RGB32& color) {
 // closest_match gives another index, 103 passes at most.
 void derive_merge_colors(Software_Z_Buffer& r, const OT_Palette& palette) {
   const std::int32_t* rgb = r.current_handles.merge_control_background_color->as_color();
-  const byte red = static_cast<byte>(rgb[0]), green = static_cast<byte>(rgb[1]), blue = static_cast<byte>(rgb[2]);
+  const byte red = static_cast<byte>(rgb[0]), green = static_cast<byte>(rgb[1]),
+             blue = static_cast<byte>(rgb[2]);
   r.merge_color = OT_RGB32{blue, green, red, 255};
   r.merge_alternate_color = OT_RGB32{static_cast<byte>(blue != 0 ? blue - 1 : 1), green, red, 255};
   r.merge_index = static_cast<byte>(closest_index(palette, r.merge_color));
@@ -71,15 +73,16 @@ int Software_Z_Buffer::establish() {
   const OT_Int_XY size = options.window_size();
   if (!color_image_fits(color_image, system, size)) {
     make_image(image_factory, size,
-               system == OT_Color_System_Direct ? OT_Image_Format_RGB32 : OT_Image_Format_Index8, color_image);
+               system == OT_Color_System_Direct ? OT_Image_Format_RGB32 : OT_Image_Format_Index8,
+               color_image);
     // Clients find the image the renderer made through the option.
     current_handles.color_buffer->set(OT_Option_Value(static_cast<const void*>(color_image.get())));
   }
 
   if (options.buffer_depth() < 1) {
     depth_image.reset();
-  } else if (!(depth_image && depth_image->format == OT_Image_Format_Depth16 && depth_image->width == size.x &&
-               depth_image->height == size.y)) {
+  } else if (!(depth_image && depth_image->format == OT_Image_Format_Depth16 &&
+               depth_image->width == size.x && depth_image->height == size.y)) {
     make_image(image_factory, size, OT_Image_Format_Depth16, depth_image);
   }
 

@@ -23,7 +23,8 @@ __attribute__((visibility("default"))) OT_Renderer_Data* OB_Renderer(const OT_Re
   return make_renderer(prototype);
 }
 
-__attribute__((visibility("default"))) OT_Renderer_Data* OB_Tarn_Renderer(const OT_Renderer_Handle& prototype) {
+__attribute__((visibility("default"))) OT_Renderer_Data* OB_Tarn_Renderer(
+    const OT_Renderer_Handle& prototype) {
   return make_renderer(prototype);
 }
 

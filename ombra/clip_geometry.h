@@ -23,7 +23,9 @@ struct Clip_Box {
   double left, right, bottom, top;
 };
 
-inline Clip_Box box_of(const OT_Int_Rectangle& r) { return {double(r.left), double(r.right), double(r.bottom), double(r.top)}; }
+inline Clip_Box box_of(const OT_Int_Rectangle& r) {
+  return {double(r.left), double(r.right), double(r.bottom), double(r.top)};
+}
 
 // Liang-Barsky: the parameters t0 <= t1 in [0, 1] of the piece of the segment
 // a -> b that lies in the box; false when no piece does.

@@ -1,12 +1,12 @@
 // Complex clip masks: one bit a window pixel, set where the pixel is masked
 // away. Bits run from the high bit of a byte to the low bit as x grows, and
 // rows are reached through the image's device_rows by window-relative y.
+#include "host/frame_buffer_mask.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <vector>
-
-#include "host/frame_buffer_mask.h"
 
 namespace {
 
@@ -15,7 +15,8 @@ namespace {
 class Mask_Bits : public OT_Shared_Image_Data {
  public:
   Mask_Bits(int width, int height, int origin_x, int origin_y)
-      : OT_Shared_Image_Data((width > 0 ? width + 7 : 0) / 8, height, OT_Image_Format_Index8, 0, nullptr, false),
+      : OT_Shared_Image_Data((width > 0 ? width + 7 : 0) / 8, height, OT_Image_Format_Index8, 0, nullptr,
+                             false),
         window_width(width > 0 ? width : 0),
         origin_x(origin_x),
         origin_y(origin_y) {}

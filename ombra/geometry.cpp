@@ -74,7 +74,10 @@ OT_User_Pattern_Data::OT_User_Pattern_Data(int width_, int height_, const byte* 
 }
 
 OT_User_Pattern_Data::OT_User_Pattern_Data(const OT_User_Pattern_Data& other)
-    : OT_Clonable(other), width(other.width), height(other.height), row_bytes(other.row_bytes),
+    : OT_Clonable(other),
+      width(other.width),
+      height(other.height),
+      row_bytes(other.row_bytes),
       storage_(other.storage_) {
   // A pattern over memory of its own keeps its own copy; one over the
   // caller's memory keeps pointing there.

@@ -93,8 +93,8 @@ void OT_Shared_Image_Data::build_row_tables() {
   for (int i = 0; i < height; ++i) device_rows[i] = top_rows[height - 1 - i];
 }
 
-OT_Shared_Image::OT_Shared_Image(int width, int height, OT_Image_Format format, int row_bytes, const void* data,
-                                 bool adopt) {
+OT_Shared_Image::OT_Shared_Image(int width, int height, OT_Image_Format format, int row_bytes,
+                                 const void* data, bool adopt) {
   OT_Shared_Image_Data* image = new OT_Shared_Image_Data(width, height, format, row_bytes, data, adopt);
   if (!image) return;
   if (!image->pixels) {

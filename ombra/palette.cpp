@@ -63,8 +63,8 @@ void fill_cube(OT_Palette_Data& palette, const OT_Color_Cube& cube) {
       for (int b = 0; b < n.b; ++b) {
         const long index = long(cube.base) + r * long(cube.red_step) + g * long(cube.green_step) + b;
         if (index < 0 || index > 255) continue;
-        palette.entries[index].color = OT_RGB32::rgba(cube.level_value(r, n.r), cube.level_value(g, n.g),
-                                                      cube.level_value(b, n.b));
+        palette.entries[index].color =
+            OT_RGB32::rgba(cube.level_value(r, n.r), cube.level_value(g, n.g), cube.level_value(b, n.b));
       }
 }
 

@@ -39,20 +39,21 @@ void preclip_end(bool head, const OT_Int_Rectangle& r, const OT_Point_D* points,
 
 }  // namespace
 
-void OB_Preclip_Head(short, const OT_Int_Rectangle& rectangle, const OT_Point_D* points, OT_DCI_Point* out_point,
-                     const OT_RGB32* colors, OT_RGB32* out_color) {
+void OB_Preclip_Head(short, const OT_Int_Rectangle& rectangle, const OT_Point_D* points,
+                     OT_DCI_Point* out_point, const OT_RGB32* colors, OT_RGB32* out_color) {
   preclip_end(true, rectangle, points, out_point, colors, out_color);
 }
 
-void OB_Preclip_Tail(short, const OT_Int_Rectangle& rectangle, const OT_Point_D* points, OT_DCI_Point* out_point,
-                     const OT_RGB32* colors, OT_RGB32* out_color) {
+void OB_Preclip_Tail(short, const OT_Int_Rectangle& rectangle, const OT_Point_D* points,
+                     OT_DCI_Point* out_point, const OT_RGB32* colors, OT_RGB32* out_color) {
   preclip_end(false, rectangle, points, out_point, colors, out_color);
 }
 
 bool OB_Preclip_Ends(const short*, const OT_Int_Rectangle& rectangle, const OT_Point_D* points,
                      OT_DCI_Point* out_points, const OT_RGB32* colors, OT_RGB32* out_colors) {
   double t0, t1;
-  if (!clip_segment(points[0].x, points[0].y, points[1].x, points[1].y, box_of(rectangle), t0, t1)) return false;
+  if (!clip_segment(points[0].x, points[0].y, points[1].x, points[1].y, box_of(rectangle), t0, t1))
+    return false;
   out_points[0] = point_at(points[0], points[1], t0, rectangle);
   out_points[1] = point_at(points[0], points[1], t1, rectangle);
   if (colors && out_colors) {
@@ -110,8 +111,8 @@ bool OB_Preclip_2D_Triangle(const OT_Renderer_Data*, const OT_Rendition*, const 
     out_points[k] = {clamp(round_to_int(p[0]), rectangle.left, rectangle.right),
                      clamp(round_to_int(p[1]), rectangle.bottom, rectangle.top), round_to_int(p[2])};
     if (with_colors)
-      out_colors[k] = {clamp_byte(p[color_from]), clamp_byte(p[color_from + 1]), clamp_byte(p[color_from + 2]),
-                       clamp_byte(p[color_from + 3])};
+      out_colors[k] = {clamp_byte(p[color_from]), clamp_byte(p[color_from + 1]),
+                       clamp_byte(p[color_from + 2]), clamp_byte(p[color_from + 3])};
     for (int j = 0; j < param_floats; ++j) {
       OT_Parameter& q = out_parameters[k * parameter_width + j / 3];
       (j % 3 == 0 ? q.u : j % 3 == 1 ? q.v : q.r) = float(p[param_at + j]);

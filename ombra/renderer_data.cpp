@@ -7,11 +7,11 @@ namespace {
 
 // Each slot's standard routine under the slot's own name, so that the slot
 // list below can name it; a slot without one is a compile error.
-#define OMBRA_STANDARD_ALIASES(family, Family)                                   \
-  constexpr auto standard_draw_2d_##family = &OB_Standard_Draw_2D_##Family;       \
-  constexpr auto standard_draw_dc_##family = &OB_Standard_Draw_DC_##Family;       \
-  constexpr auto standard_draw_2di_##family = &OB_Standard_Draw_2DI_##Family;     \
-  constexpr auto standard_draw_dci_##family = &OB_Standard_Draw_DCI_##Family;     \
+#define OMBRA_STANDARD_ALIASES(family, Family)                                \
+  constexpr auto standard_draw_2d_##family = &OB_Standard_Draw_2D_##Family;   \
+  constexpr auto standard_draw_dc_##family = &OB_Standard_Draw_DC_##Family;   \
+  constexpr auto standard_draw_2di_##family = &OB_Standard_Draw_2DI_##Family; \
+  constexpr auto standard_draw_dci_##family = &OB_Standard_Draw_DCI_##Family; \
   constexpr auto standard_draw_tiled_##family = &OB_Standard_Draw_Tiled_##Family;
 
 OMBRA_STANDARD_ALIASES(polytriangle, Polytriangle)
@@ -35,7 +35,8 @@ constexpr auto standard_clear_depth = &OB_Standard_Clear_Depth;
 #undef OMBRA_STANDARD_ALIASES
 
 template <class Action>
-void install_standard(OT_Renderer_Data* owner, Action& slot, typename Action::Function routine, bool keep_valid) {
+void install_standard(OT_Renderer_Data* owner, Action& slot, typename Action::Function routine,
+                      bool keep_valid) {
   if (keep_valid && slot.valid && slot.function) return;
   slot.install(owner, routine);
 }

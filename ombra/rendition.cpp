@@ -55,25 +55,35 @@ OT_Rendition OT_Rendition::make_default(int width, int height, const OT_Palette&
   return rendition;
 }
 
-OT_Rendition_Device* OT_Rendition::writable_device() { return writable_section(*this, &OT_Rendition_Data::device); }
-OT_Rendition_Colors* OT_Rendition::writable_colors() { return writable_section(*this, &OT_Rendition_Data::colors); }
+OT_Rendition_Device* OT_Rendition::writable_device() {
+  return writable_section(*this, &OT_Rendition_Data::device);
+}
+OT_Rendition_Colors* OT_Rendition::writable_colors() {
+  return writable_section(*this, &OT_Rendition_Data::colors);
+}
 OT_Rendition_Line* OT_Rendition::writable_line() { return writable_section(*this, &OT_Rendition_Data::line); }
 OT_Rendition_Face* OT_Rendition::writable_face() { return writable_section(*this, &OT_Rendition_Data::face); }
-OT_Rendition_Marker* OT_Rendition::writable_marker() { return writable_section(*this, &OT_Rendition_Data::marker); }
-OT_Rendition_Raster* OT_Rendition::writable_raster() { return writable_section(*this, &OT_Rendition_Data::raster); }
+OT_Rendition_Marker* OT_Rendition::writable_marker() {
+  return writable_section(*this, &OT_Rendition_Data::marker);
+}
+OT_Rendition_Raster* OT_Rendition::writable_raster() {
+  return writable_section(*this, &OT_Rendition_Data::raster);
+}
 
 void OT_Rendition::set_color(const OT_RGB32& color, bool keep_index) {
   OT_Rendition_Colors* colors = writable_colors();
   if (!colors) return;
   colors->color = color;
-  if (!keep_index && data_->palette) colors->color_index = std::uint32_t(data_->palette.closest_match(color, false));
+  if (!keep_index && data_->palette)
+    colors->color_index = std::uint32_t(data_->palette.closest_match(color, false));
 }
 
 void OT_Rendition::set_contrast_color(const OT_RGB32& color, bool keep_index) {
   OT_Rendition_Colors* colors = writable_colors();
   if (!colors) return;
   colors->contrast_color = color;
-  if (!keep_index && data_->palette) colors->contrast_index = byte(data_->palette.closest_match(color, false));
+  if (!keep_index && data_->palette)
+    colors->contrast_index = byte(data_->palette.closest_match(color, false));
 }
 
 void OT_Rendition::set_advanced_options(const OT_Advanced_Options& options, bool) {

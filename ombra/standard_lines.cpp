@@ -64,7 +64,8 @@ struct Gouraud_Line {
 };
 
 template <class Line>
-void draw_clipped_polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points, const Line& line) {
+void draw_clipped_polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
+                           const Line& line) {
   if (count < 1 || !points) return;
   const OT_Int_Rectangle& clip = hard_clip(rd);
   Scratch<short> codes{std::size_t(count)};
@@ -127,8 +128,8 @@ void step_polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* 
 
 OT_RGB32 step_color(const OT_RGB32& a, const OT_RGB32& b, std::int64_t k, std::int64_t n) {
   if (n == 0) return b;
-  return {byte(step_between(a.b, b.b, k, n)), byte(step_between(a.g, b.g, k, n)), byte(step_between(a.r, b.r, k, n)),
-          byte(step_between(a.a, b.a, k, n))};
+  return {byte(step_between(a.b, b.b, k, n)), byte(step_between(a.g, b.g, k, n)),
+          byte(step_between(a.r, b.r, k, n)), byte(step_between(a.a, b.a, k, n))};
 }
 
 template <class Point>
@@ -171,17 +172,20 @@ void OB_Standard_Draw_DC_Colorized_Polyline(R* r, const OT_Rendition& rd, int co
                                             const OT_RGB32* colors, bool single) {
   forward_rounded<&R::draw_dci_colorized_polyline>(r, rd, count, points, colors, single);
 }
-void OB_Standard_Draw_Tiled_Colorized_Polyline(R* r, const OT_Rendition& rd, int count, const OT_Point_D* points,
-                                               const OT_RGB32* colors, bool single) {
+void OB_Standard_Draw_Tiled_Colorized_Polyline(R* r, const OT_Rendition& rd, int count,
+                                               const OT_Point_D* points, const OT_RGB32* colors,
+                                               bool single) {
   forward_rounded<&R::draw_2di_colorized_polyline>(r, rd, count, points, colors, single);
 }
-void OB_Standard_Draw_2DI_Colorized_Polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                             const OT_RGB32* colors, bool single) {
+void OB_Standard_Draw_2DI_Colorized_Polyline(R* r, const OT_Rendition& rd, int count,
+                                             const OT_DCI_Point* points, const OT_RGB32* colors,
+                                             bool single) {
   draw_clipped_polyline(r, rd, count, points, Colorized_Line{colors, single});
 }
 // The last point takes the colour of the last segment.
-void OB_Standard_Draw_DCI_Colorized_Polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                             const OT_RGB32* colors, bool single) {
+void OB_Standard_Draw_DCI_Colorized_Polyline(R* r, const OT_Rendition& rd, int count,
+                                             const OT_DCI_Point* points, const OT_RGB32* colors,
+                                             bool single) {
   step_polyline(r, rd, count, points, [colors, single](int s, std::int64_t, std::int64_t, OT_RGB32&) {
     return colors && !single ? colors + s : colors;
   });
@@ -197,16 +201,16 @@ void OB_Standard_Draw_DC_Gouraud_Polyline(R* r, const OT_Rendition& rd, int coun
                                           const OT_RGB32* colors) {
   forward_rounded<&R::draw_dci_gouraud_polyline>(r, rd, count, points, colors);
 }
-void OB_Standard_Draw_Tiled_Gouraud_Polyline(R* r, const OT_Rendition& rd, int count, const OT_Point_D* points,
-                                             const OT_RGB32* colors) {
+void OB_Standard_Draw_Tiled_Gouraud_Polyline(R* r, const OT_Rendition& rd, int count,
+                                             const OT_Point_D* points, const OT_RGB32* colors) {
   forward_rounded<&R::draw_2di_gouraud_polyline>(r, rd, count, points, colors);
 }
-void OB_Standard_Draw_2DI_Gouraud_Polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                           const OT_RGB32* colors) {
+void OB_Standard_Draw_2DI_Gouraud_Polyline(R* r, const OT_Rendition& rd, int count,
+                                           const OT_DCI_Point* points, const OT_RGB32* colors) {
   draw_clipped_polyline(r, rd, count, points, Gouraud_Line{colors});
 }
-void OB_Standard_Draw_DCI_Gouraud_Polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                           const OT_RGB32* colors) {
+void OB_Standard_Draw_DCI_Gouraud_Polyline(R* r, const OT_Rendition& rd, int count,
+                                           const OT_DCI_Point* points, const OT_RGB32* colors) {
   step_polyline(r, rd, count, points,
                 [colors, count](int s, std::int64_t k, std::int64_t n, OT_RGB32& storage) -> const OT_RGB32* {
                   if (!colors) return nullptr;

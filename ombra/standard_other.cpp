@@ -24,8 +24,8 @@ void forward_dot(R* r, const OT_Rendition& rd, const Point* point, const OT_RGB3
 // row_bytes apart. z runs from first.z to last.z across each row. With
 // `clip_it`, pixels outside the hard clip are left out.
 template <class Pixel_Color>
-void image_dots(R* r, const OT_Rendition& rd, const OT_DCI_Point& first, const OT_DCI_Point& last, int row_bytes,
-                const byte* data, bool clip_it, Pixel_Color pixel_color) {
+void image_dots(R* r, const OT_Rendition& rd, const OT_DCI_Point& first, const OT_DCI_Point& last,
+                int row_bytes, const byte* data, bool clip_it, Pixel_Color pixel_color) {
   if (!data) return;
   const std::int64_t width = std::int64_t(last.x) - first.x + 1;
   for (std::int64_t y = first.y, row = 0; y >= last.y; --y, ++row) {
@@ -67,15 +67,16 @@ template <class Point>
 void index8_image(R* r, const OT_Rendition& rd, const Point* first, const Point* last, int row_bytes,
                   const byte* data, bool clip_it) {
   if (!first || !last) return;
-  image_dots(r, rd, round_point(*first), round_point(*last), row_bytes, data, clip_it, Index_Color{palette_of(r)});
+  image_dots(r, rd, round_point(*first), round_point(*last), row_bytes, data, clip_it,
+             Index_Color{palette_of(r)});
 }
 
 template <class Point>
 void rgb32_image(R* r, const OT_Rendition& rd, const Point* first, const Point* last, int row_bytes,
                  const OT_RGB32* data, bool clip_it) {
   if (!first || !last) return;
-  image_dots(r, rd, round_point(*first), round_point(*last), row_bytes, reinterpret_cast<const byte*>(data), clip_it,
-             RGB32_Color{});
+  image_dots(r, rd, round_point(*first), round_point(*last), row_bytes, reinterpret_cast<const byte*>(data),
+             clip_it, RGB32_Color{});
 }
 
 }  // namespace
@@ -88,10 +89,12 @@ void OB_Standard_Draw_2D_Dot(R* r, const OT_Rendition& rd, const OT_Point* point
 void OB_Standard_Draw_DC_Dot(R* r, const OT_Rendition& rd, const OT_Point* point, const OT_RGB32* color) {
   forward_dot(r, rd, point, color, false);
 }
-void OB_Standard_Draw_2DI_Dot(R* r, const OT_Rendition& rd, const OT_DCI_Point* point, const OT_RGB32* color) {
+void OB_Standard_Draw_2DI_Dot(R* r, const OT_Rendition& rd, const OT_DCI_Point* point,
+                              const OT_RGB32* color) {
   forward_dot(r, rd, point, color, true);
 }
-void OB_Standard_Draw_Tiled_Dot(R* r, const OT_Rendition& rd, const OT_Point_D* point, const OT_RGB32* color) {
+void OB_Standard_Draw_Tiled_Dot(R* r, const OT_Rendition& rd, const OT_Point_D* point,
+                                const OT_RGB32* color) {
   forward_dot(r, rd, point, color, true);
 }
 // The end of every chain of standard routines: a pixel needs the renderer.
@@ -99,12 +102,12 @@ void OB_Standard_Draw_DCI_Dot(R*, const OT_Rendition&, const OT_DCI_Point*, cons
 
 // ---- Images -----------------------------------------------------------------
 
-void OB_Standard_Draw_2D_Index8_Image(R* r, const OT_Rendition& rd, const OT_Point* first, const OT_Point* last,
-                                      int row_bytes, const byte* data) {
+void OB_Standard_Draw_2D_Index8_Image(R* r, const OT_Rendition& rd, const OT_Point* first,
+                                      const OT_Point* last, int row_bytes, const byte* data) {
   index8_image(r, rd, first, last, row_bytes, data, true);
 }
-void OB_Standard_Draw_DC_Index8_Image(R* r, const OT_Rendition& rd, const OT_Point* first, const OT_Point* last,
-                                      int row_bytes, const byte* data) {
+void OB_Standard_Draw_DC_Index8_Image(R* r, const OT_Rendition& rd, const OT_Point* first,
+                                      const OT_Point* last, int row_bytes, const byte* data) {
   index8_image(r, rd, first, last, row_bytes, data, false);
 }
 void OB_Standard_Draw_2DI_Index8_Image(R* r, const OT_Rendition& rd, const OT_DCI_Point* first,
@@ -120,12 +123,14 @@ void OB_Standard_Draw_Tiled_Index8_Image(R* r, const OT_Rendition& rd, const OT_
   index8_image(r, rd, first, last, row_bytes, data, true);
 }
 
-void OB_Standard_Draw_2D_RGB32_Image(R* r, const OT_Rendition& rd, const OT_Point* first, const OT_Point* last,
-                                     int row_bytes, const OT_RGB32* data, int, const OT_Packing*) {
+void OB_Standard_Draw_2D_RGB32_Image(R* r, const OT_Rendition& rd, const OT_Point* first,
+                                     const OT_Point* last, int row_bytes, const OT_RGB32* data, int,
+                                     const OT_Packing*) {
   rgb32_image(r, rd, first, last, row_bytes, data, true);
 }
-void OB_Standard_Draw_DC_RGB32_Image(R* r, const OT_Rendition& rd, const OT_Point* first, const OT_Point* last,
-                                     int row_bytes, const OT_RGB32* data, int, const OT_Packing*) {
+void OB_Standard_Draw_DC_RGB32_Image(R* r, const OT_Rendition& rd, const OT_Point* first,
+                                     const OT_Point* last, int row_bytes, const OT_RGB32* data, int,
+                                     const OT_Packing*) {
   rgb32_image(r, rd, first, last, row_bytes, data, false);
 }
 void OB_Standard_Draw_2DI_RGB32_Image(R* r, const OT_Rendition& rd, const OT_DCI_Point* first,
@@ -181,6 +186,7 @@ void OB_Span_DC_Rectangle(R* r, const OT_Rendition& rendition, int left, int rig
   colors->color_index = colors->window_index;
   const std::int32_t past_right = right < INT32_MAX ? right + 1 : right;
   const std::int32_t past_top = top < INT32_MAX ? top + 1 : top;
-  const OT_DCI_Point strip[4] = {{left, bottom, 0}, {past_right, bottom, 0}, {left, past_top, 0}, {past_right, past_top, 0}};
+  const OT_DCI_Point strip[4] = {
+      {left, bottom, 0}, {past_right, bottom, 0}, {left, past_top, 0}, {past_right, past_top, 0}};
   r->draw_dci_polytriangle(window, 4, strip);
 }

@@ -19,8 +19,8 @@ struct Polygon_Context {
   R* renderer;
   const OT_Rendition* rendition;
   const OT_RGB32* color;
-  bool device;  // DCI slots, else 2DI
-  const OT_Point* first;  // the triangulated points, to find a corner's index
+  bool device;                // DCI slots, else 2DI
+  const OT_Point* first;      // the triangulated points, to find a corner's index
   const OT_DCI_Point* exact;  // the same points as integers
 };
 

@@ -36,8 +36,12 @@ class Scratch {
   T* data_;
 };
 
-inline OT_DCI_Point round_point(const OT_Point& p) { return {round_to_int(p.x), round_to_int(p.y), round_to_int(p.z)}; }
-inline OT_DCI_Point round_point(const OT_Point_D& p) { return {round_to_int(p.x), round_to_int(p.y), round_to_int(p.z)}; }
+inline OT_DCI_Point round_point(const OT_Point& p) {
+  return {round_to_int(p.x), round_to_int(p.y), round_to_int(p.z)};
+}
+inline OT_DCI_Point round_point(const OT_Point_D& p) {
+  return {round_to_int(p.x), round_to_int(p.y), round_to_int(p.z)};
+}
 inline OT_DCI_Point round_point(const OT_DCI_Point& p) { return p; }
 
 template <class Point>
@@ -49,13 +53,15 @@ inline bool inside(const OT_Int_Rectangle& r, const OT_DCI_Point& p) {
   return p.x >= r.left && p.x <= r.right && p.y >= r.bottom && p.y <= r.top;
 }
 
-inline const OT_Int_Rectangle& hard_clip(const OT_Rendition& rendition) { return rendition->device->hard_clip; }
+inline const OT_Int_Rectangle& hard_clip(const OT_Rendition& rendition) {
+  return rendition->device->hard_clip;
+}
 
 // Rounds a point list and calls `slot` of the renderer with it in place of
 // the points, the other arguments as they came.
 template <auto Slot, class Point, class... Rest>
-void forward_rounded(OT_Renderer_Data* renderer, const OT_Rendition& rendition, int count, const Point* points,
-                     Rest... rest) {
+void forward_rounded(OT_Renderer_Data* renderer, const OT_Rendition& rendition, int count,
+                     const Point* points, Rest... rest) {
   if (count < 1 || !points) return;
   Scratch<OT_DCI_Point> rounded{std::size_t(count)};
   round_points(points, count, rounded.data());

@@ -47,7 +47,8 @@ struct Colorized_Lists {
   void run(R* r, const OT_Rendition& rd, int first, int n, const OT_DCI_Point* p) const {
     r->draw_dci_colorized_polytriangle(rd, n, p + first, color_of(first), single);
   }
-  void cut(R* r, const OT_Rendition& rd, int triangle, int n, const OT_DCI_Point* p, const double*, int) const {
+  void cut(R* r, const OT_Rendition& rd, int triangle, int n, const OT_DCI_Point* p, const double*,
+           int) const {
     r->draw_dci_colorized_polytriangle(rd, n, p, color_of(triangle), true);
   }
 };
@@ -59,7 +60,9 @@ void load_color(const OT_RGB32& c, double* out) {
   out[3] = c.a;
 }
 
-OT_RGB32 color_from(const double* v) { return {clamp_byte(v[0]), clamp_byte(v[1]), clamp_byte(v[2]), clamp_byte(v[3])}; }
+OT_RGB32 color_from(const double* v) {
+  return {clamp_byte(v[0]), clamp_byte(v[1]), clamp_byte(v[2]), clamp_byte(v[3])};
+}
 
 struct Gouraud_Lists {
   const OT_RGB32* colors;
@@ -71,7 +74,8 @@ struct Gouraud_Lists {
   void run(R* r, const OT_Rendition& rd, int first, int n, const OT_DCI_Point* p) const {
     r->draw_dci_gouraud_polytriangle(rd, n, p + first, colors ? colors + first : nullptr);
   }
-  void cut(R* r, const OT_Rendition& rd, int, int n, const OT_DCI_Point* p, const double* v, int stride) const {
+  void cut(R* r, const OT_Rendition& rd, int, int n, const OT_DCI_Point* p, const double* v,
+           int stride) const {
     OT_RGB32 out[8];
     if (colors)
       for (int k = 0; k < n; ++k) out[k] = color_from(v + k * stride + 3);
@@ -109,7 +113,8 @@ struct Textured_Lists {
                                       params ? params + std::size_t(first) * width : nullptr, width,
                                       w ? w + first : nullptr, normals ? normals + first : nullptr);
   }
-  void cut(R* r, const OT_Rendition& rd, int, int n, const OT_DCI_Point* p, const double* v, int stride) const {
+  void cut(R* r, const OT_Rendition& rd, int, int n, const OT_DCI_Point* p, const double* v,
+           int stride) const {
     OT_RGB32 out_colors[8];
     std::vector<OT_Parameter> out_params(std::size_t(n) * std::size_t(width > 0 ? width : 0));
     float out_w[8];
@@ -131,8 +136,8 @@ struct Textured_Lists {
       }
     }
     r->draw_dci_textured_polytriangle(rd, n, p, colors ? out_colors : nullptr,
-                                      param_floats() ? out_params.data() : nullptr, width, w ? out_w : nullptr,
-                                      normals ? out_normals : nullptr);
+                                      param_floats() ? out_params.data() : nullptr, width,
+                                      w ? out_w : nullptr, normals ? out_normals : nullptr);
   }
 };
 
@@ -152,7 +157,8 @@ void draw_cut_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points,
   }
   const std::int32_t right = clip.right < INT32_MAX ? clip.right + 1 : INT32_MAX;
   const std::int32_t top = clip.top < INT32_MAX ? clip.top + 1 : INT32_MAX;
-  const int n = clip_polygon(v, 3, stride, Clip_Box{double(clip.left), double(right), double(clip.bottom), double(top)});
+  const int n = clip_polygon(v, 3, stride,
+                             Clip_Box{double(clip.left), double(right), double(clip.bottom), double(top)});
   if (n < 3) return;
   // A triangle cut by four sides keeps at most seven corners.
   OT_DCI_Point out[8];
@@ -160,8 +166,8 @@ void draw_cut_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points,
   for (int k = 0; k < n; ++k) {
     const double* vertex = &v[std::size_t(zigzag_index(k, n)) * stride];
     std::copy(vertex, vertex + stride, &ordered[std::size_t(k) * stride]);
-    out[k] = {clamp(round_to_int(vertex[0]), clip.left, right), clamp(round_to_int(vertex[1]), clip.bottom, top),
-              round_to_int(vertex[2])};
+    out[k] = {clamp(round_to_int(vertex[0]), clip.left, right),
+              clamp(round_to_int(vertex[1]), clip.bottom, top), round_to_int(vertex[2])};
   }
   lists.cut(r, rd, t, n, out, ordered.data(), stride);
 }
@@ -170,7 +176,8 @@ void draw_cut_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points,
 // DCI slot, runs of triangles inside as one strip each, triangles wholly
 // beyond one side are dropped, and the others are cut.
 template <class Lists>
-void draw_clipped_strip(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points, const Lists& lists) {
+void draw_clipped_strip(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
+                        const Lists& lists) {
   if (count < 3 || !points) return;
   Scratch<short> codes{std::size_t(count)};
   const int result = OB_Clip(hard_clip(rd), count, points, codes.data());
@@ -215,20 +222,22 @@ void OB_Standard_Draw_2DI_Polytriangle(R* r, const OT_Rendition& rd, int count, 
 
 // ---- Colorized ------------------------------------------------------------
 
-void OB_Standard_Draw_2D_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_Point* points,
-                                                const OT_RGB32* colors, bool single) {
+void OB_Standard_Draw_2D_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                                const OT_Point* points, const OT_RGB32* colors, bool single) {
   forward_rounded<&R::draw_2di_colorized_polytriangle>(r, rd, count, points, colors, single);
 }
-void OB_Standard_Draw_DC_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_Point* points,
-                                                const OT_RGB32* colors, bool single) {
+void OB_Standard_Draw_DC_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                                const OT_Point* points, const OT_RGB32* colors, bool single) {
   forward_rounded<&R::draw_dci_colorized_polytriangle>(r, rd, count, points, colors, single);
 }
 void OB_Standard_Draw_Tiled_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count,
-                                                   const OT_Point_D* points, const OT_RGB32* colors, bool single) {
+                                                   const OT_Point_D* points, const OT_RGB32* colors,
+                                                   bool single) {
   forward_rounded<&R::draw_2di_colorized_polytriangle>(r, rd, count, points, colors, single);
 }
 void OB_Standard_Draw_2DI_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count,
-                                                 const OT_DCI_Point* points, const OT_RGB32* colors, bool single) {
+                                                 const OT_DCI_Point* points, const OT_RGB32* colors,
+                                                 bool single) {
   draw_clipped_strip(r, rd, count, points, Colorized_Lists{colors, single});
 }
 
@@ -242,34 +251,41 @@ void OB_Standard_Draw_DC_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int 
                                               const OT_RGB32* colors) {
   forward_rounded<&R::draw_dci_gouraud_polytriangle>(r, rd, count, points, colors);
 }
-void OB_Standard_Draw_Tiled_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_Point_D* points,
-                                                 const OT_RGB32* colors) {
+void OB_Standard_Draw_Tiled_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                                 const OT_Point_D* points, const OT_RGB32* colors) {
   forward_rounded<&R::draw_2di_gouraud_polytriangle>(r, rd, count, points, colors);
 }
-void OB_Standard_Draw_2DI_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                               const OT_RGB32* colors) {
+void OB_Standard_Draw_2DI_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                               const OT_DCI_Point* points, const OT_RGB32* colors) {
   draw_clipped_strip(r, rd, count, points, Gouraud_Lists{colors});
 }
 
 // ---- Textured -------------------------------------------------------------
 
-void OB_Standard_Draw_2D_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_Point* points,
-                                               const OT_RGB32* colors, const OT_Parameter* params, int width,
-                                               const float* w, const OT_Vector* normals) {
-  forward_rounded<&R::draw_2di_textured_polytriangle>(r, rd, count, points, colors, params, width, w, normals);
+void OB_Standard_Draw_2D_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                               const OT_Point* points, const OT_RGB32* colors,
+                                               const OT_Parameter* params, int width, const float* w,
+                                               const OT_Vector* normals) {
+  forward_rounded<&R::draw_2di_textured_polytriangle>(r, rd, count, points, colors, params, width, w,
+                                                      normals);
 }
-void OB_Standard_Draw_DC_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_Point* points,
-                                               const OT_RGB32* colors, const OT_Parameter* params, int width,
-                                               const float* w, const OT_Vector* normals) {
-  forward_rounded<&R::draw_dci_textured_polytriangle>(r, rd, count, points, colors, params, width, w, normals);
+void OB_Standard_Draw_DC_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                               const OT_Point* points, const OT_RGB32* colors,
+                                               const OT_Parameter* params, int width, const float* w,
+                                               const OT_Vector* normals) {
+  forward_rounded<&R::draw_dci_textured_polytriangle>(r, rd, count, points, colors, params, width, w,
+                                                      normals);
 }
-void OB_Standard_Draw_Tiled_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_Point_D* points,
-                                                  const OT_RGB32* colors, const OT_Parameter* params, int width,
-                                                  const float* w, const OT_Vector* normals) {
-  forward_rounded<&R::draw_2di_textured_polytriangle>(r, rd, count, points, colors, params, width, w, normals);
+void OB_Standard_Draw_Tiled_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                                  const OT_Point_D* points, const OT_RGB32* colors,
+                                                  const OT_Parameter* params, int width, const float* w,
+                                                  const OT_Vector* normals) {
+  forward_rounded<&R::draw_2di_textured_polytriangle>(r, rd, count, points, colors, params, width, w,
+                                                      normals);
 }
-void OB_Standard_Draw_2DI_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                                const OT_RGB32* colors, const OT_Parameter* params, int width,
-                                                const float* w, const OT_Vector* normals) {
+void OB_Standard_Draw_2DI_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                                const OT_DCI_Point* points, const OT_RGB32* colors,
+                                                const OT_Parameter* params, int width, const float* w,
+                                                const OT_Vector* normals) {
   draw_clipped_strip(r, rd, count, points, Textured_Lists{colors, params, width, w, normals});
 }

@@ -41,8 +41,8 @@ struct Triangle {
   Plane plane(double a0, double a1, double a2) const {
     const double ex = double(p[1]->x) - p[0]->x, ey = double(p[1]->y) - p[0]->y;
     const double fx = double(p[2]->x) - p[0]->x, fy = double(p[2]->y) - p[0]->y;
-    return {a0, ((a1 - a0) * fy - (a2 - a0) * ey) / det, ((a2 - a0) * ex - (a1 - a0) * fx) / det, double(p[0]->x),
-            double(p[0]->y)};
+    return {a0, ((a1 - a0) * fy - (a2 - a0) * ey) / det, ((a2 - a0) * ex - (a1 - a0) * fx) / det,
+            double(p[0]->x), double(p[0]->y)};
   }
 };
 
@@ -115,12 +115,14 @@ void OB_Standard_Draw_DCI_Polytriangle(R* r, const OT_Rendition& rd, int count, 
 
 // Without colours the spans take the rendition's colour.
 void OB_Standard_Draw_DCI_Colorized_Polytriangle(R* r, const OT_Rendition& rd, int count,
-                                                 const OT_DCI_Point* points, const OT_RGB32* colors, bool single) {
-  for (int t = 0; t + 2 < count; ++t) flat_triangle(r, rd, points + t, colors && !single ? colors + t : colors);
+                                                 const OT_DCI_Point* points, const OT_RGB32* colors,
+                                                 bool single) {
+  for (int t = 0; t + 2 < count; ++t)
+    flat_triangle(r, rd, points + t, colors && !single ? colors + t : colors);
 }
 
-void OB_Standard_Draw_DCI_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                               const OT_RGB32* colors) {
+void OB_Standard_Draw_DCI_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                               const OT_DCI_Point* points, const OT_RGB32* colors) {
   for (int t = 0; t + 2 < count; ++t) {
     if (colors)
       shaded_triangle(r, rd, points + t, colors + t);
@@ -131,8 +133,8 @@ void OB_Standard_Draw_DCI_Gouraud_Polytriangle(R* r, const OT_Rendition& rd, int
 
 // The host has no texels to read: a textured triangle is drawn in its vertex
 // colours, or in the rendition's colour when there are none.
-void OB_Standard_Draw_DCI_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points,
-                                                const OT_RGB32* colors, const OT_Parameter*, int, const float*,
-                                                const OT_Vector*) {
+void OB_Standard_Draw_DCI_Textured_Polytriangle(R* r, const OT_Rendition& rd, int count,
+                                                const OT_DCI_Point* points, const OT_RGB32* colors,
+                                                const OT_Parameter*, int, const float*, const OT_Vector*) {
   OB_Standard_Draw_DCI_Gouraud_Polytriangle(r, rd, count, points, colors);
 }

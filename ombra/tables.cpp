@@ -10,10 +10,9 @@ namespace {
 // The standard 8x8 ordered (Bayer) matrix: each value 0..63 once, arranged
 // so that every prefix 0..k-1 is spread as evenly as 8x8 allows.
 constexpr int kBayer[8][8] = {
-    {0, 32, 8, 40, 2, 34, 10, 42},   {48, 16, 56, 24, 50, 18, 58, 26},
-    {12, 44, 4, 36, 14, 46, 6, 38},  {60, 28, 52, 20, 62, 30, 54, 22},
-    {3, 35, 11, 43, 1, 33, 9, 41},   {51, 19, 59, 27, 49, 17, 57, 25},
-    {15, 47, 7, 39, 13, 45, 5, 37},  {63, 31, 55, 23, 61, 29, 53, 21},
+    {0, 32, 8, 40, 2, 34, 10, 42},    {48, 16, 56, 24, 50, 18, 58, 26}, {12, 44, 4, 36, 14, 46, 6, 38},
+    {60, 28, 52, 20, 62, 30, 54, 22}, {3, 35, 11, 43, 1, 33, 9, 41},    {51, 19, 59, 27, 49, 17, 57, 25},
+    {15, 47, 7, 39, 13, 45, 5, 37},   {63, 31, 55, 23, 61, 29, 53, 21},
 };
 
 constexpr int kStippleCount = 74;
@@ -40,15 +39,17 @@ constexpr std::array<Stipple, kStippleCount> make_stipples() {
   // to the one before it.
   for (int k = 0; k <= 64; ++k) table[k] = make_pattern([k](int r, int c) { return kBayer[r][c] < k; });
   // 65..73: hatches, with a period of 4 unless said otherwise.
-  table[65] = make_pattern([](int r, int) { return r % 4 == 0; });                    // horizontal lines
-  table[66] = make_pattern([](int, int c) { return c % 4 == 0; });                    // vertical lines
-  table[67] = make_pattern([](int r, int c) { return (c - r + 8) % 4 == 0; });        // diagonal, column grows with row
-  table[68] = make_pattern([](int r, int c) { return (c + r) % 4 == 3; });            // diagonal, column falls with row
-  table[69] = make_pattern([](int r, int c) { return r % 4 == 0 || c % 4 == 0; });    // square cross-hatch
-  table[70] = make_pattern([](int r, int c) { return (c - r + 8) % 4 == 0 || (c + r) % 4 == 3; });  // diagonal cross
-  table[71] = make_pattern([](int r, int) { return r % 2 == 0; });                    // dense horizontal, period 2
-  table[72] = make_pattern([](int, int c) { return c % 2 == 0; });                    // dense vertical, period 2
-  table[73] = make_pattern([](int r, int c) { return r % 4 == 0 && c % 4 == 0; });    // grid of single dots
+  table[65] = make_pattern([](int r, int) { return r % 4 == 0; });  // horizontal lines
+  table[66] = make_pattern([](int, int c) { return c % 4 == 0; });  // vertical lines
+  table[67] =
+      make_pattern([](int r, int c) { return (c - r + 8) % 4 == 0; });      // diagonal, column grows with row
+  table[68] = make_pattern([](int r, int c) { return (c + r) % 4 == 3; });  // diagonal, column falls with row
+  table[69] = make_pattern([](int r, int c) { return r % 4 == 0 || c % 4 == 0; });  // square cross-hatch
+  table[70] =
+      make_pattern([](int r, int c) { return (c - r + 8) % 4 == 0 || (c + r) % 4 == 3; });  // diagonal cross
+  table[71] = make_pattern([](int r, int) { return r % 2 == 0; });  // dense horizontal, period 2
+  table[72] = make_pattern([](int, int c) { return c % 2 == 0; });  // dense vertical, period 2
+  table[73] = make_pattern([](int r, int c) { return r % 4 == 0 && c % 4 == 0; });  // grid of single dots
   return table;
 }
 

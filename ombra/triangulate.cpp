@@ -20,13 +20,17 @@ struct Flat {
   double u, v;
 };
 
-double cross(const Flat& a, const Flat& b, const Flat& c) { return (b.u - a.u) * (c.v - b.v) - (b.v - a.v) * (c.u - b.u); }
+double cross(const Flat& a, const Flat& b, const Flat& c) {
+  return (b.u - a.u) * (c.v - b.v) - (b.v - a.v) * (c.u - b.u);
+}
 
 bool same(const Flat& a, const Flat& b) { return a.u == b.u && a.v == b.v; }
 
 // p inside or on the triangle abc of orientation `orient` (+1 or -1).
 bool inside_triangle(const Flat& p, const Flat& a, const Flat& b, const Flat& c, double orient) {
-  auto side = [](const Flat& s, const Flat& e, const Flat& q) { return (e.u - s.u) * (q.v - s.v) - (e.v - s.v) * (q.u - s.u); };
+  auto side = [](const Flat& s, const Flat& e, const Flat& q) {
+    return (e.u - s.u) * (q.v - s.v) - (e.v - s.v) * (q.u - s.u);
+  };
   return orient * side(a, b, p) >= 0.0 && orient * side(b, c, p) >= 0.0 && orient * side(c, a, p) >= 0.0;
 }
 
@@ -124,8 +128,8 @@ class Ear_Clipper {
   // of three ends with it.
   void emit(std::size_t ip, std::size_t i, std::size_t in, OT_Contour_Set_Data::Triangle_Callback callback,
             void* context) {
-    callback(&points_[std::size_t(ring_[ip])], &points_[std::size_t(ring_[i])], &points_[std::size_t(ring_[in])],
-             context);
+    callback(&points_[std::size_t(ring_[ip])], &points_[std::size_t(ring_[i])],
+             &points_[std::size_t(ring_[in])], context);
     if (ring_.size() == 3)
       ring_.clear();
     else

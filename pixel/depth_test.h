@@ -43,7 +43,8 @@ inline void with_depth_test(std::int32_t zbuffer_test, Body&& body) {
 // depth and colour. A failing or hidden pixel changes nothing. The stored
 // depth is the candidate's low 16 bits.
 template <class Test, bool kWriteDepth, class Store, class D>
-inline void depth_pixel(const Store& store, typename Store::Pixel* p, std::uint16_t* zp, D d, std::int32_t row) {
+inline void depth_pixel(const Store& store, typename Store::Pixel* p, std::uint16_t* zp, D d,
+                        std::int32_t row) {
   if (!Test::passes(d, *zp)) return;
   if constexpr (Store::kMasked) {
     if (store.hidden(p, row)) return;

@@ -27,7 +27,8 @@ inline bool host_line(const OT_Rendition& rendition) {
 // beyond 64 points), then the integer form with the same further arguments.
 // Forms without depth never read z, and leave it unconverted.
 template <bool kWithZ, class... Rest>
-void run_rounded(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, Rest...),
+void run_rounded(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*,
+                                      Rest...),
                  OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
                  Rest... rest) {
   Point_Buffer buffer(count);

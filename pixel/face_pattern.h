@@ -15,7 +15,9 @@ inline constexpr std::int32_t kUserPattern = 74;
 inline constexpr std::int32_t kLastRendererPattern = 74;
 
 // Above 74 the host draws.
-inline bool host_pattern(const OT_Rendition& rendition) { return rendition->face->pattern > kLastRendererPattern; }
+inline bool host_pattern(const OT_Rendition& rendition) {
+  return rendition->face->pattern > kLastRendererPattern;
+}
 
 // stipple_flags: bit 0 paints the holes in the contrast colour, bit 1
 // inverts the pattern.
@@ -34,7 +36,8 @@ enum class Face_Fill { solid, nothing, pattern };
 
 inline Face_Fill face_fill(std::int32_t pattern, Stipple_Flags flags) {
   if (pattern == kSolidPattern && !flags.inverted) return Face_Fill::solid;
-  if (!flags.contrast && ((pattern == kEmptyPattern && !flags.inverted) || (pattern == kSolidPattern && flags.inverted)))
+  if (!flags.contrast &&
+      ((pattern == kEmptyPattern && !flags.inverted) || (pattern == kSolidPattern && flags.inverted)))
     return Face_Fill::nothing;
   return Face_Fill::pattern;
 }

@@ -13,7 +13,8 @@ namespace tarn {
 
 // The widest coordinate difference the walks are given.
 inline constexpr std::int32_t kMaxWalkSpan = 32767;
-static_assert((std::int64_t{kMaxWalkSpan} << 16) <= INT32_MAX, "16.16 steps of the widest span fit in 32 bits");
+static_assert((std::int64_t{kMaxWalkSpan} << 16) <= INT32_MAX,
+              "16.16 steps of the widest span fit in 32 bits");
 
 // d / h as a fixed-point step with kFraction fraction bits: d shifted left
 // in 32 bits, divided with truncation toward zero. Heights 1, 2, 4 and 8
@@ -22,11 +23,16 @@ template <int kFraction>
 inline std::int32_t fixed_step(std::int32_t d, std::int32_t h) {
   const std::uint32_t u = static_cast<std::uint32_t>(d);
   switch (h) {
-    case 1: return static_cast<std::int32_t>(u << kFraction);
-    case 2: return static_cast<std::int32_t>(u << (kFraction - 1));
-    case 4: return static_cast<std::int32_t>(u << (kFraction - 2));
-    case 8: return static_cast<std::int32_t>(u << (kFraction - 3));
-    default: return static_cast<std::int32_t>(u << kFraction) / h;
+    case 1:
+      return static_cast<std::int32_t>(u << kFraction);
+    case 2:
+      return static_cast<std::int32_t>(u << (kFraction - 1));
+    case 4:
+      return static_cast<std::int32_t>(u << (kFraction - 2));
+    case 8:
+      return static_cast<std::int32_t>(u << (kFraction - 3));
+    default:
+      return static_cast<std::int32_t>(u << kFraction) / h;
   }
 }
 

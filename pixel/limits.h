@@ -15,8 +15,10 @@ inline constexpr OT_Int_Rectangle kWalkLimits{-4000, 28760, -4000, 28760};
 inline constexpr std::int32_t kLineLimitLow = -4000;
 inline constexpr std::int32_t kLineLimitHigh = 28760;
 
-static_assert(kWalkLimits.right - kWalkLimits.left <= kMaxWalkSpan && kWalkLimits.top - kWalkLimits.bottom <= kMaxWalkSpan,
+static_assert(kWalkLimits.right - kWalkLimits.left <= kMaxWalkSpan &&
+                  kWalkLimits.top - kWalkLimits.bottom <= kMaxWalkSpan,
               "a triangle within the walk limits steps in 16.16 without overflow");
-static_assert(kLineLimitHigh - kLineLimitLow <= kMaxWalkSpan, "a cut segment steps in 16.16 without overflow");
+static_assert(kLineLimitHigh - kLineLimitLow <= kMaxWalkSpan,
+              "a cut segment steps in 16.16 without overflow");
 
 }  // namespace tarn

@@ -66,6 +66,8 @@ struct Merge_Mapped {
   }
 };
 
-inline void merge_mapped(const Software_Z_Buffer& r, byte* pixel, byte index) { Merge_Mapped(r).apply(pixel, index); }
+inline void merge_mapped(const Software_Z_Buffer& r, byte* pixel, byte index) {
+  Merge_Mapped(r).apply(pixel, index);
+}
 
 }  // namespace tarn

@@ -26,8 +26,8 @@ concept Pixel_Store = requires(const T store, typename T::Pixel* p, std::int32_t
   { T::kMasked } -> std::convertible_to<bool>;
   { T::kMerge } -> std::convertible_to<bool>;
   { T::kBlend } -> std::convertible_to<bool>;
-  { store.pixel(p, row) };
-  { store.span(p, n, row) };
+  {store.pixel(p, row)};
+  {store.span(p, n, row)};
 };
 
 // The traits of a writer that neither reads its pixel nor hides any.
@@ -58,7 +58,9 @@ struct Index_Store : Plain_Traits {
   byte value;
   constexpr explicit Index_Store(byte v) : value(v) {}
   void pixel(Pixel* p, std::int32_t) const { *p = value; }
-  void span(Pixel* p, std::int32_t n, std::int32_t) const { std::memset(p, value, static_cast<std::size_t>(n)); }
+  void span(Pixel* p, std::int32_t n, std::int32_t) const {
+    std::memset(p, value, static_cast<std::size_t>(n));
+  }
 };
 
 // 32-bit RGB32 word, plain store, its alpha byte as it came.
@@ -79,7 +81,10 @@ struct Blend_Exact_Store : Blend_Traits {
   std::uint32_t inverse, red, green, blue;  // 255 - a, and each channel times a
 
   explicit Blend_Exact_Store(OT_RGB32 c)
-      : color(c), inverse(255u - c.a), red(std::uint32_t(c.r) * c.a), green(std::uint32_t(c.g) * c.a),
+      : color(c),
+        inverse(255u - c.a),
+        red(std::uint32_t(c.r) * c.a),
+        green(std::uint32_t(c.g) * c.a),
         blue(std::uint32_t(c.b) * c.a) {}
   std::uint32_t blended(std::uint32_t old) const {
     const std::uint32_t b = ((old & 255u) * inverse + blue) / 255u;
@@ -136,7 +141,9 @@ struct Merge_Dither_Add_Store : Pixelwise<Merge_Dither_Add_Store, byte, Merge_Tr
   Dither_Levels levels;
   Merge_Dither_Add_Store(const Merge_Mapped& r, const OT_Color_Cube& c, const Dither_Levels& v)
       : rule(r), cube(&c), levels(v) {}
-  void pixel(Pixel* p, std::int32_t row) const { rule.apply(p, dither_add(*cube, levels, dither_threshold(row, p))); }
+  void pixel(Pixel* p, std::int32_t row) const {
+    rule.apply(p, dither_add(*cube, levels, dither_threshold(row, p)));
+  }
 };
 
 // The writer of a set pattern bit when contrast is off: nothing.

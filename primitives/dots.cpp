@@ -95,7 +95,8 @@ void polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int cou
       return polymarker<typename Mode::Opaque, true>(object, rendition, count, points);
   }
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition)) return polymarker<typename Mode::Without_Depth, true>(object, rendition, count, points);
+    if (depth_off(rendition))
+      return polymarker<typename Mode::Without_Depth, true>(object, rendition, count, points);
   }
   if (rendition->marker->symbol != 0)
     return OB_Standard_Draw_2DI_Polymarker(object, rendition, count, points);
@@ -113,24 +114,19 @@ void polymarker(OT_Renderer_Data* object, const OT_Rendition& rendition, int cou
   });
 }
 
-template void dci_dot<Mapped>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
-                                   const OT_RGB32*);
-template void dci_dot<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
-                                     const OT_RGB32*);
-template void dci_dot<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
-                                  const OT_RGB32*);
+template void dci_dot<Mapped>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*, const OT_RGB32*);
+template void dci_dot<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*, const OT_RGB32*);
+template void dci_dot<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*, const OT_RGB32*);
 template void dci_dot<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
-                                        const OT_RGB32*);
-template void dci_dot<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
-                                    const OT_RGB32*);
+                                   const OT_RGB32*);
+template void dci_dot<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*, const OT_RGB32*);
 template void dci_dot<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
-                                          const OT_RGB32*);
+                                     const OT_RGB32*);
 
 template void polymarker<Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 template void polymarker<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 template void polymarker<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 template void polymarker<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
-template void polymarker<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,
-                                             const OT_DCI_Point*);
+template void polymarker<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 
 }  // namespace tarn

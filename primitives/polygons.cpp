@@ -76,8 +76,9 @@ void float_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, int 
 // The integer forms: a triangle directly, anything more as floats through
 // the triangulator and the float slots; no strip shortcut, no edge bias.
 template <class Colorized, class Plain>
-void integer_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
-                     const OT_RGB32* color, Colorized colorized, Plain plain, const Float_Slots& slots) {
+void integer_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                     const OT_DCI_Point* points, const OT_RGB32* color, Colorized colorized, Plain plain,
+                     const Float_Slots& slots) {
   if (count < 3) return;
   if (count == 3) {
     if (color)
@@ -94,20 +95,21 @@ void integer_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, in
     converted = heap.get();
   }
   for (int i = 0; i < count; ++i)
-    converted[i] = {static_cast<float>(points[i].x), static_cast<float>(points[i].y), static_cast<float>(points[i].z)};
+    converted[i] = {static_cast<float>(points[i].x), static_cast<float>(points[i].y),
+                    static_cast<float>(points[i].z)};
   triangulate(object, rendition, slots, count, converted, color);
 }
 
 }  // namespace
 
-void common_2d_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
-                       const OT_RGB32* color) {
+void common_2d_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                       const OT_Point* points, const OT_RGB32* color) {
   if (host_pattern(rendition)) return OB_Standard_Draw_2D_Polygon(object, rendition, count, points, color);
   float_polygon(object, rendition, count, points, color, k2DSlots);
 }
 
-void common_dc_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
-                       const OT_RGB32* color) {
+void common_dc_polygon(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                       const OT_Point* points, const OT_RGB32* color) {
   if (host_pattern(rendition)) return OB_Standard_Draw_DC_Polygon(object, rendition, count, points, color);
   float_polygon(object, rendition, count, points, color, kDCSlots);
 }

@@ -8,8 +8,8 @@
 
 #include "pixel/limits.h"
 #include "pixel/outcode_buffer.h"
-#include "triangles/triangle_walk.h"
 #include "triangles/triangle_clipper.h"
+#include "triangles/triangle_walk.h"
 
 namespace tarn {
 
