@@ -1,5 +1,4 @@
-// The tests at the entry of the actions that hand a call on unchanged, and
-// the rounding of the float forms into their integer forms.
+// The tests at the entry of the actions that hand a call on unchanged.
 #pragma once
 
 #include "frame/software_z_buffer.h"
@@ -21,22 +20,6 @@ inline bool nothing_to_draw(const Software_Z_Buffer& r, int count) { return !r.c
 // Wide and patterned lines are the host's.
 inline bool host_line(const OT_Rendition& rendition) {
   return rendition->line->pattern != 0 || rendition->line->weight > 1;
-}
-
-// A float form: the points rounded into the call's frame (or the heap
-// beyond 64 points), then the integer form with the same further arguments.
-// Forms without depth never read z, and leave it unconverted.
-template <bool kWithZ, class... Rest>
-void run_rounded(void (*integer_form)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*,
-                                      Rest...),
-                 OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_Point* points,
-                 Rest... rest) {
-  Point_Buffer buffer(count);
-  if constexpr (kWithZ)
-    round_points(points, count, buffer.data());
-  else
-    round_points_xy(points, count, buffer.data());
-  integer_form(object, rendition, count, buffer.data(), rest...);
 }
 
 }  // namespace tarn

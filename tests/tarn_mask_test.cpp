@@ -198,8 +198,9 @@ TEST_P(Masked, RegionHidesEachPrimitiveOutsideIt) {
 
 // Behind a mask the depth fillers and walkers test at or below and always
 // write depth, whatever "ZBuffer Test" and "ZBuffer Write" say.
-TEST_P(Masked, DepthFormsBehindAMaskIgnoreTheDepthOptions) {
-  if (!GetParam().depth()) GTEST_SKIP() << "no depth";
+class Masked_Depth : public ::testing::TestWithParam<Mode_Case> {};
+
+TEST_P(Masked_Depth, DepthFormsBehindAMaskIgnoreTheDepthOptions) {
   Renderer_Harness masked(GetParam()), plain(GetParam());
   masked.use_mask(box(-5, -5, 100, 100));
   masked.set_depth_test(5);
@@ -216,6 +217,8 @@ TEST_P(Masked, DepthFormsBehindAMaskIgnoreTheDepthOptions) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllModes, Masked, ::testing::ValuesIn(kAllModes), mode_name);
+INSTANTIATE_TEST_SUITE_P(DepthModes, Masked_Depth, ::testing::Values(kZMapped, kZRgb32Alpha, kZRgb32),
+                         mode_name);
 
 TEST(Masked_Lines, DepthAlphaLineBehindAMaskIsOpaqueAndAJointUnderASetBitIsSkipped) {
   Renderer_Harness h(kZRgb32Alpha);
