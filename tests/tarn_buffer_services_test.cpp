@@ -199,6 +199,29 @@ TEST(Read, UnclippedFormsCopyFromTheTopRowDown) {
     }
 }
 
+// A full-frame image holds the whole buffer and refreshes only the rows asked
+// for, through top_rows by the device row number: a single row too, and the
+// bottom row of a request.
+TEST(Read, FullFrameImageRefreshesOnlyTheRowsAsked) {
+  const struct { int top, bottom; } cases[] = {{4, 4}, {11, 9}, {2, 0}};
+  for (const auto& c : cases) {
+    Renderer_Harness h(kRgb32, 16, 12);
+    OT_Shared_Image_Data& source = *h.renderer().color_image;
+    fill_pattern(source);
+    OT_Shared_Image image(16, 12, OT_Image_Format_RGB32, source.row_bytes, nullptr, false);
+    image->full_frame = 1;
+    std::memset(image->top_rows[0], 0xEE, std::size_t(image->row_bytes) * 12);
+    const OT_Shared_Image held = image;
+    read(h, false, {0, c.top, 0}, {15, c.bottom, 0}, OT_Image_Format_Native, image);
+    ASSERT_EQ(image.get(), held.get());
+    for (int y = 0; y < 12; ++y) {
+      const bool asked = y >= c.bottom && y <= c.top;
+      for (int i = 0; i < 64; ++i)
+        ASSERT_EQ(image->top_rows[y][i], asked ? source.top_rows[y][i] : byte{0xEE}) << c.top << " " << y;
+    }
+  }
+}
+
 // The RGB32 read cuts at the right, at x 0, at row 0 and at the height of
 // the request: rows 100 down to 50 of a buffer 110 high copy row 50 alone.
 TEST(Read, Rgb32ReadCopiesWhatTheCutsLeave) {
