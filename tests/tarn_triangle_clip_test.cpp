@@ -1,8 +1,7 @@
-// The 2D and 2DI triangle forms against the hard clip, through the slots.
-#include <array>
-#include <cmath>
+// The 2D and 2DI triangle forms against the hard clip, through the slots:
+// what the seeded comparison with DCI cannot show (tests/tarn_differential_test.cpp
+// compares crossing strips, colour lists, merge and the float forms).
 
-#include "pixel/merge.h"
 #include "tests/tarn_test_support.h"
 
 namespace tarn::testing {
@@ -15,51 +14,7 @@ bool inside(int x, int y) {
   return x >= kClip.left && x <= kClip.right && y >= kClip.bottom && y <= kClip.top;
 }
 
-// Draws `points` whole through DCI in one harness and clipped through 2DI
-// in another: inside the clip colour and depth agree, outside nothing.
-void expect_clipped_like_whole(const Mode_Case& mode, const Points& points) {
-  Renderer_Harness whole(mode, kWidth, kHeight), clipped(mode, kWidth, kHeight);
-  clipped.set_hard_clip(kClip);
-  whole.draw_dci(points);
-  clipped.draw_2di(points);
-  int shown = 0;
-  for (int y = 0; y < kHeight; ++y)
-    for (int x = 0; x < kWidth; ++x) {
-      ASSERT_EQ(clipped.pixel(x, y), inside(x, y) ? whole.pixel(x, y) : clipped.clear_value())
-          << x << "," << y;
-      if (mode.depth()) {
-        ASSERT_EQ(clipped.depth(x, y), inside(x, y) ? whole.depth(x, y) : 0xFFFF) << x << "," << y;
-      }
-      shown += inside(x, y) && whole.pixel(x, y) != whole.clear_value();
-    }
-  EXPECT_GT(shown, 0);
-}
-
 class Clip_Path : public ::testing::TestWithParam<Mode_Case> {};
-
-TEST_P(Clip_Path, StripsCrossingEachSideAgreeWithTheUnclippedWalk) {
-  // Inside, then a middle point beyond the left, the right, the bottom,
-  // the top. One depth a strip: crossing spans step depth by their own rule.
-  expect_clipped_like_whole(GetParam(), {{30, 20, 900}, {90, 25, 900}, {40, 70, 900}, {95, 75, 900}});
-  expect_clipped_like_whole(GetParam(),
-                            {{30, 20, 3000}, {5, 40, 3000}, {60, 60, 3000}, {70, 30, 3000}, {2, 90, 3000}});
-  expect_clipped_like_whole(GetParam(),
-                            {{40, 30, 65534}, {120, 45, 65534}, {60, 60, 65534}, {127, 2, 65534}});
-  expect_clipped_like_whole(GetParam(), {{1, 1, 7}, {126, 3, 7}, {3, 94, 7}, {125, 93, 7}});
-  // A triangle that reaches only the clip's last row: that row is drawn.
-  expect_clipped_like_whole(GetParam(), {{30, 80, 0}, {60, 80, 0}, {45, 95, 0}});
-  expect_clipped_like_whole(GetParam(), {{33, 5, 0}, {64, 20, 0}, {90, 3, 0}});
-}
-
-TEST_P(Clip_Path, FloatFormRoundsAllThreeCoordinatesThenClips) {
-  Renderer_Harness a(GetParam(), kWidth, kHeight), b(GetParam(), kWidth, kHeight);
-  a.set_hard_clip(kClip);
-  b.set_hard_clip(kClip);
-  a.draw_2d({{10.5f, 5.4f, 99.5f}, {110.49f, 30.f, 99.5f}, {40.f, 90.5f, 99.5f}, {120.f, 85.f, 99.5f}});
-  b.draw_2di({{11, 5, 100}, {110, 30, 100}, {40, 91, 100}, {120, 85, 100}});
-  EXPECT_EQ(a.snapshot(), b.snapshot());
-  EXPECT_FALSE(a.drawn().empty());
-}
 
 TEST_P(Clip_Path, ListsWhollyOutsideDrawNothing) {
   Renderer_Harness h(GetParam(), kWidth, kHeight);
@@ -107,43 +62,6 @@ TEST_P(Clip_Path, FarPointsFillExactlyTheClipAndWriteNothingOutside) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllModes, Clip_Path, ::testing::ValuesIn(kAllModes), mode_name);
-
-TEST(Clip_Path_Colorized, CrossingTrianglesTakeTheirOwnColoursFromTheList) {
-  const Points strip{{30, 20, 100}, {90, 25, 100}, {5, 60, 100}, {95, 75, 100}, {40, 90, 100}};
-  const std::vector<OT_RGB32> colors{OT_RGB32::rgba(255, 0, 0), OT_RGB32::rgba(0, 255, 0),
-                                     OT_RGB32::rgba(0, 0, 255)};
-  for (const Mode_Case& mode : {kRgb32Alpha, kRgb32, kZRgb32Alpha, kZRgb32}) {
-    Renderer_Harness whole(mode, kWidth, kHeight), clipped(mode, kWidth, kHeight);
-    clipped.set_hard_clip(kClip);
-    whole.colorized(strip, colors, false);
-    clipped.renderer().draw_2di_colorized_polytriangle(clipped.rendition(), 5, strip.data(), colors.data(),
-                                                       false);
-    for (int y = kClip.bottom; y <= kClip.top; ++y)
-      for (int x = kClip.left; x <= kClip.right; ++x)
-        ASSERT_EQ(clipped.pixel(x, y), whole.pixel(x, y)) << mode.name << " " << x << "," << y;
-  }
-}
-
-// In the mapped mode under merge with a pattern, crossing triangles merge
-// while inside runs store plainly.
-TEST(Clip_Path_Merge, MappedPatternMergesOnlyInCrossingTriangles) {
-  Renderer_Harness h(kMapped, kWidth, kHeight);
-  const byte solid[1] = {0};
-  h.rendition().writable_face()->pattern = 74;
-  h.rendition().writable_face()->user_pattern = OT_User_Pattern(new OT_User_Pattern_Data(8, 1, solid, 1));
-  h.rendition().writable_raster()->write_mode = 20;
-  h.set_hard_clip(kClip);
-  byte merged = 0;
-  for (byte index : {byte(5), byte(3)}) {
-    h.set_color({}, index);
-    h.draw_2di({{30, 20, 0}, {60, 20, 0}, {30, 40, 0}});   // inside
-    h.draw_2di({{70, 20, 0}, {120, 20, 0}, {70, 40, 0}});  // crossing the right side
-    merge_mapped(h.renderer(), &merged, index);
-  }
-  EXPECT_EQ(h.pixel(32, 22), 3u);
-  EXPECT_NE(merged, 3);
-  EXPECT_EQ(h.pixel(72, 22), merged);
-}
 
 }  // namespace
 }  // namespace tarn::testing
