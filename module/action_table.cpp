@@ -9,6 +9,7 @@
 #include "triangles/colorized_triangles.h"
 #include "triangles/depth_triangles.h"
 #include "triangles/flat_triangles.h"
+#include "triangles/gouraud_triangles.h"
 
 namespace tarn {
 
@@ -64,6 +65,10 @@ const Mode_Actions kRgb32AlphaActions = with_host_routines(
         .draw_dc_colorized_polytriangle = rgb32_alpha_dc_colorized_polytriangle,
         .draw_2di_colorized_polytriangle = rgb32_alpha_2di_colorized_polytriangle,
         .draw_dci_colorized_polytriangle = rgb32_alpha_dci_colorized_polytriangle,
+        .draw_2d_gouraud_polytriangle = rgb32_alpha_2d_gouraud_polytriangle,
+        .draw_dc_gouraud_polytriangle = rgb32_alpha_dc_gouraud_polytriangle,
+        .draw_2di_gouraud_polytriangle = rgb32_alpha_2di_gouraud_polytriangle,
+        .draw_dci_gouraud_polytriangle = rgb32_alpha_dci_gouraud_polytriangle,
         .draw_2di_polyline = rgb32_alpha_2di_polyline,
         .draw_dci_polyline = rgb32_alpha_dci_polyline,
         .draw_dci_colorized_polyline = rgb32_alpha_dci_colorized_polyline,
@@ -84,6 +89,10 @@ const Mode_Actions kRgb32Actions = with_host_routines(
         .draw_dc_colorized_polytriangle = rgb32_dc_colorized_polytriangle,
         .draw_2di_colorized_polytriangle = rgb32_2di_colorized_polytriangle,
         .draw_dci_colorized_polytriangle = rgb32_dci_colorized_polytriangle,
+        .draw_2d_gouraud_polytriangle = rgb32_2d_gouraud_polytriangle,
+        .draw_dc_gouraud_polytriangle = rgb32_dc_gouraud_polytriangle,
+        .draw_2di_gouraud_polytriangle = rgb32_2di_gouraud_polytriangle,
+        .draw_dci_gouraud_polytriangle = rgb32_dci_gouraud_polytriangle,
         .draw_2di_polyline = rgb32_2di_polyline,
         .draw_dci_polyline = rgb32_dci_polyline,
         .draw_dci_colorized_polyline = rgb32_dci_colorized_polyline,
@@ -104,6 +113,10 @@ const Mode_Actions kMappedActions = with_host_routines(
         .draw_dc_colorized_polytriangle = mapped_dc_colorized_polytriangle,
         .draw_2di_colorized_polytriangle = mapped_2di_colorized_polytriangle,
         .draw_dci_colorized_polytriangle = mapped_dci_colorized_polytriangle,
+        .draw_2d_gouraud_polytriangle = mapped_2d_gouraud_polytriangle,
+        .draw_dc_gouraud_polytriangle = mapped_dc_gouraud_polytriangle,
+        .draw_2di_gouraud_polytriangle = mapped_2di_gouraud_polytriangle,
+        .draw_dci_gouraud_polytriangle = mapped_dci_gouraud_polytriangle,
         .draw_2di_polyline = mapped_2di_polyline,
         .draw_dci_polyline = mapped_dci_polyline,
         .draw_2di_polymarker = mapped_2di_polymarker,
@@ -123,6 +136,10 @@ const Mode_Actions kZMappedActions = with_host_routines(
         .draw_dc_colorized_polytriangle = z_mapped_dc_colorized_polytriangle,
         .draw_2di_colorized_polytriangle = z_mapped_2di_colorized_polytriangle,
         .draw_dci_colorized_polytriangle = z_mapped_dci_colorized_polytriangle,
+        .draw_2d_gouraud_polytriangle = z_mapped_2d_gouraud_polytriangle,
+        .draw_dc_gouraud_polytriangle = z_mapped_dc_gouraud_polytriangle,
+        .draw_2di_gouraud_polytriangle = z_mapped_2di_gouraud_polytriangle,
+        .draw_dci_gouraud_polytriangle = z_mapped_dci_gouraud_polytriangle,
         .draw_2di_polyline = z_mapped_2di_polyline,
         .draw_dci_polyline = z_mapped_dci_polyline,
         .draw_dci_dot = z_mapped_dci_dot,
@@ -143,6 +160,10 @@ const Mode_Actions kZRgb32AlphaActions = with_host_routines(
         .draw_dc_colorized_polytriangle = z_rgb32_alpha_dc_colorized_polytriangle,
         .draw_2di_colorized_polytriangle = z_rgb32_alpha_2di_colorized_polytriangle,
         .draw_dci_colorized_polytriangle = z_rgb32_alpha_dci_colorized_polytriangle,
+        .draw_2d_gouraud_polytriangle = z_rgb32_alpha_2d_gouraud_polytriangle,
+        .draw_dc_gouraud_polytriangle = z_rgb32_alpha_dc_gouraud_polytriangle,
+        .draw_2di_gouraud_polytriangle = z_rgb32_alpha_2di_gouraud_polytriangle,
+        .draw_dci_gouraud_polytriangle = z_rgb32_alpha_dci_gouraud_polytriangle,
         .draw_2di_polyline = z_rgb32_alpha_2di_polyline,
         .draw_dci_polyline = z_rgb32_alpha_dci_polyline,
         .draw_dci_colorized_polyline = z_rgb32_alpha_dci_colorized_polyline,
@@ -165,6 +186,10 @@ const Mode_Actions kZRgb32Actions = with_host_routines(
         .draw_dc_colorized_polytriangle = z_rgb32_dc_colorized_polytriangle,
         .draw_2di_colorized_polytriangle = z_rgb32_2di_colorized_polytriangle,
         .draw_dci_colorized_polytriangle = z_rgb32_dci_colorized_polytriangle,
+        .draw_2d_gouraud_polytriangle = z_rgb32_2d_gouraud_polytriangle,
+        .draw_dc_gouraud_polytriangle = z_rgb32_dc_gouraud_polytriangle,
+        .draw_2di_gouraud_polytriangle = z_rgb32_2di_gouraud_polytriangle,
+        .draw_dci_gouraud_polytriangle = z_rgb32_dci_gouraud_polytriangle,
         .draw_2di_polyline = z_rgb32_2di_polyline,
         .draw_dci_polyline = z_rgb32_dci_polyline,
         .draw_dci_colorized_polyline = z_rgb32_dci_colorized_polyline,

@@ -38,22 +38,26 @@ inline void run_clip_loop(int count, const short* codes, Inside&& inside, Cross&
   }
 }
 
-// One crossing triangle: beyond the walk limits it is first cut to them by
-// the exact clipper; then each piece is walked against the hard clip.
+// One crossing triangle, with its points' colours when the filler walks
+// them: beyond the walk limits it is first cut to them by the exact clipper,
+// which gives the new points colours too; then each piece is walked against
+// the hard clip.
 template <class Filler>
 inline void cross_triangle(Filler& filler, const OT_Rendition& rendition, const OT_DCI_Point* triangle,
-                           std::int32_t origin_x, std::int32_t origin_y) {
+                           std::int32_t origin_x, std::int32_t origin_y, const OT_RGB32* colors = nullptr) {
+  using Vertex = typename Filler::Vertex;
   const Rect_Clip clip(rendition->device->hard_clip, origin_x);
+  auto walk = [&](const OT_DCI_Point* p, const OT_RGB32* c) {
+    walk_triangle(filler, Vertex::of(p, c, 0), Vertex::of(p, c, 1), Vertex::of(p, c, 2), origin_x, origin_y,
+                  clip);
+  };
   short codes[3];
   OB_Clip(kWalkLimits, 3, triangle, codes);
-  if ((codes[0] | codes[1] | codes[2]) == 0) {
-    walk_triangle(filler, {&triangle[0]}, {&triangle[1]}, {&triangle[2]}, origin_x, origin_y, clip);
-    return;
-  }
+  if ((codes[0] | codes[1] | codes[2]) == 0) return walk(triangle, colors);
   OT_DCI_Point pieces[kMaxClipVertices];
-  const int n = clip_triangle_to_rectangle(triangle, kWalkLimits, pieces);
-  for (int i = 0; i + 2 < n; ++i)
-    walk_triangle(filler, {&pieces[i]}, {&pieces[i + 1]}, {&pieces[i + 2]}, origin_x, origin_y, clip);
+  OT_RGB32 piece_colors[kMaxClipVertices];
+  const int n = clip_triangle_to_rectangle(triangle, colors, kWalkLimits, pieces, piece_colors);
+  for (int i = 0; i + 2 < n; ++i) walk(pieces + i, piece_colors + i);
 }
 
 }  // namespace tarn

@@ -1,4 +1,4 @@
-// The two triangle families, flat strips and colorized strips, as templates
+// The triangle families, flat, colorized and Gouraud strips, as templates
 // over the mode and the coordinate form. Each family's entry tests are written
 // once here, in their required order; an action that hands a call on calls the
 // receiver with the tests already passed (Passed bits), so no test runs twice.
@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "pixel/entry_tests.h"
+#include "triangles/gouraud_fill.h"
 #include "triangles/strip_fills.h"
 #include "triangles/strip_outline.h"
 
@@ -41,6 +42,19 @@ inline void host_colorized(OT_Renderer_Data* object, const OT_Rendition& renditi
     OB_Standard_Draw_2DI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
   else
     OB_Standard_Draw_DCI_Colorized_Polytriangle(object, rendition, count, points, colors, single_color);
+}
+
+template <class Form>
+inline void host_gouraud(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                         const typename Form::Point* points, const OT_RGB32* colors) {
+  if constexpr (std::is_same_v<Form, Form_2D>)
+    OB_Standard_Draw_2D_Gouraud_Polytriangle(object, rendition, count, points, colors);
+  else if constexpr (std::is_same_v<Form, Form_DC>)
+    OB_Standard_Draw_DC_Gouraud_Polytriangle(object, rendition, count, points, colors);
+  else if constexpr (std::is_same_v<Form, Form_2DI>)
+    OB_Standard_Draw_2DI_Gouraud_Polytriangle(object, rendition, count, points, colors);
+  else
+    OB_Standard_Draw_DCI_Gouraud_Polytriangle(object, rendition, count, points, colors);
 }
 
 // ---- After the tests --------------------------------------------------------------
@@ -76,18 +90,7 @@ inline void fill_clipped(const Strip_Call& s) {
   constexpr bool kMayMerge = kRgb32Opaque<Mode> && !Mode::kDepth && !(kPassed & kPassedMergeOff);
   const bool inside_merges = kMayMerge && merge_on(s.r, s.rendition);
   with_call_masking<Mode>(s, [&](const auto& wrap) {
-    auto inside = [&](const Strip_Call& run) {
-      if constexpr (kMayMerge) {
-        if (inside_merges) {
-          if (Alpha_Fill::draws(run)) Alpha_Fill(run).inside(run, wrap);
-          return;
-        }
-      }
-      if constexpr (std::is_same_v<Strip_Fill<Mode, Family>, Alpha_Fill>) {
-        if (!Alpha_Fill::draws(run)) return;
-      }
-      fill.inside(run, wrap);
-    };
+    auto inside = [&](const Strip_Call& run) { fill_run<kMayMerge>(fill, run, wrap, inside_merges); };
     Outcode_Buffer codes(s.count);
     const int result = OB_Clip(s.rendition->device->hard_clip, s.count, s.points, codes.data());
     if (result == 0 || s.fill == Face_Fill::nothing) return;
@@ -121,52 +124,58 @@ inline void with_rounded(int count, const OT_Point* points, Body&& body) {
   body(static_cast<const OT_DCI_Point*>(buffer.data()));
 }
 
-// ---- The colorized family ----------------------------------------------------------
+// ---- The colorized and Gouraud families ----------------------------------------------
+// One ladder for both. They differ in the host routine, in that the Gouraud
+// family never looks at merge, and in the order of the RGB32 depth modes'
+// tests: the outline bit comes before the alpha path bit in every Gouraud
+// form, and in the colorized 2DI form only.
 
-template <class Mode, class Form, unsigned kPassed = kPassedNone>
-void colorized_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                     const typename Form::Point* points, const OT_RGB32* colors, bool single_color);
-
-template <class Mode, class Form, unsigned kPassed = kPassedNone>
-void flat_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                const typename Form::Point* points);
-
-template <class Mode, class Form, unsigned kPassed>
-void colorized_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                     const typename Form::Point* points, const OT_RGB32* colors, bool single_color) {
+template <class Family, class Mode, class Form, unsigned kPassed>
+void shaded_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                  const typename Form::Point* points, const OT_RGB32* colors, bool single_color) {
+  constexpr bool kGouraud = std::is_same_v<Family, Gouraud>;
   constexpr bool k2D = std::is_same_v<Form, Form_2D>;
   constexpr bool k2DI = std::is_same_v<Form, Form_2DI>;
   constexpr bool kDCI = std::is_same_v<Form, Form_DCI>;
-  // The clipping form of the RGB32 depth modes looks for the outline first.
-  if constexpr (kOutlines<Mode> && k2DI && !(kPassed & kPassedOutline)) {
+  constexpr bool kOutlineFirst = kOutlines<Mode> && (k2DI || (kGouraud && kDCI));
+  constexpr bool kOutlineSecond = kOutlines<Mode> && kDCI && !kGouraud;
+  // A Gouraud list without colours is the host's, which draws it flat.
+  if constexpr (kGouraud && kPassed == kPassedMergeOff) {
+    if (!colors) return host_gouraud<Form>(object, rendition, count, points, colors);
+  }
+  if constexpr (kOutlineFirst && !(kPassed & kPassedOutline)) {
     if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   }
-  constexpr unsigned kAfterOutline = kPassed | (kOutlines<Mode> && k2DI ? kPassedOutline : 0u);
+  constexpr unsigned kAfterOutline = kPassed | (kOutlineFirst ? kPassedOutline : 0u);
   if constexpr (kRgb32Opaque<Mode> && !k2D && !(kPassed & kPassedAlphaPath)) {
     if (alpha_path(rendition))
-      return colorized_strip<typename Mode::Alpha_Path, Form, kAfterOutline>(object, rendition, count, points,
-                                                                             colors, single_color);
+      return shaded_strip<Family, typename Mode::Alpha_Path, Form, kAfterOutline>(
+          object, rendition, count, points, colors, single_color);
   }
-  if constexpr (kOutlines<Mode> && kDCI && !(kPassed & kPassedOutline)) {
+  if constexpr (kOutlineSecond && !(kPassed & kPassedOutline)) {
     if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
   }
   constexpr unsigned kAfterAlpha = kAfterOutline | (kRgb32Opaque<Mode> && !k2D ? kPassedAlphaPath : 0u) |
-                                   (kOutlines<Mode> && kDCI ? kPassedOutline : 0u);
+                                   (kOutlineSecond ? kPassedOutline : 0u);
   if constexpr (!(kPassed & kPassedPattern)) {
-    if (host_pattern(rendition))
-      return host_colorized<Form>(object, rendition, count, points, colors, single_color);
+    if (host_pattern(rendition)) {
+      if constexpr (kGouraud)
+        return host_gouraud<Form>(object, rendition, count, points, colors);
+      else
+        return host_colorized<Form>(object, rendition, count, points, colors, single_color);
+    }
   }
   constexpr unsigned kAfterPattern = kAfterAlpha | kPassedPattern;
   // The opaque filler never merges: merge goes to the alpha filler.
   if constexpr (std::is_same_v<Mode, Rgb32> && kDCI && !(kPassed & kPassedMergeOff)) {
     if (merge_on(renderer_of(object), rendition))
-      return colorized_strip<Rgb32_Alpha, Form, kAfterPattern>(object, rendition, count, points, colors,
-                                                               single_color);
+      return shaded_strip<Family, Rgb32_Alpha, Form, kAfterPattern>(object, rendition, count, points, colors,
+                                                                    single_color);
   }
   if constexpr (Mode::kDepth && !k2D && !(kPassed & kPassedDepthOn)) {
     if (depth_off(rendition))
-      return colorized_strip<typename Mode::Without_Depth, Form, kAfterPattern>(object, rendition, count,
-                                                                                points, colors, single_color);
+      return shaded_strip<Family, typename Mode::Without_Depth, Form, kAfterPattern>(
+          object, rendition, count, points, colors, single_color);
   }
   constexpr unsigned kAll = kAfterPattern | (Mode::kDepth && !k2D ? kPassedDepthOn : 0u);
   if constexpr (Form::kClips && !(kPassed & kPassedSomething)) {
@@ -174,13 +183,30 @@ void colorized_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, in
   }
   if constexpr (Form::kFloat) {
     with_rounded<k2D || Mode::kDepth>(count, points, [&](const OT_DCI_Point* rounded) {
-      colorized_strip<Mode, typename Form::Integer, kAll | kPassedSomething>(object, rendition, count,
-                                                                             rounded, colors, single_color);
+      shaded_strip<Family, Mode, typename Form::Integer, kAll | kPassedSomething>(
+          object, rendition, count, rounded, colors, single_color);
     });
   } else {
-    fill_integer<Mode, Colorized, Form, kAll>(object, rendition, count, points, colors, single_color);
+    fill_integer<Mode, Family, Form, kAll>(object, rendition, count, points, colors, single_color);
   }
 }
+
+template <class Mode, class Form, unsigned kPassed = kPassedNone>
+inline void colorized_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                            const typename Form::Point* points, const OT_RGB32* colors, bool single_color) {
+  shaded_strip<Colorized, Mode, Form, kPassed>(object, rendition, count, points, colors, single_color);
+}
+
+// Merge is never looked at on a Gouraud path, so it counts as passed off.
+template <class Mode, class Form>
+inline void gouraud_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                          const typename Form::Point* points, const OT_RGB32* colors) {
+  shaded_strip<Gouraud, Mode, Form, kPassedMergeOff>(object, rendition, count, points, colors, false);
+}
+
+template <class Mode, class Form, unsigned kPassed = kPassedNone>
+void flat_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                const typename Form::Point* points);
 
 // ---- The flat family -----------------------------------------------------------------
 // The mapped modes have flat fillers of their own; the RGB32 modes draw a flat

@@ -272,4 +272,20 @@ struct Strip_Fill_Of {
 template <class Mode, class Family>
 using Strip_Fill = typename Strip_Fill_Of<Mode, Family>::Type;
 
+// An all-inside run as the clip path hands it on. When kMayMerge, the run of
+// an RGB32 opaque colorized fill that merges goes through the alpha filler.
+template <bool kMayMerge, class Fill, class Wrap>
+inline void fill_run(const Fill& fill, const Strip_Call& run, const Wrap& wrap, bool merges) {
+  if constexpr (kMayMerge) {
+    if (merges) {
+      if (Alpha_Fill::draws(run)) Alpha_Fill(run).inside(run, wrap);
+      return;
+    }
+  }
+  if constexpr (std::is_same_v<Fill, Alpha_Fill>) {
+    if (!Alpha_Fill::draws(run)) return;
+  }
+  fill.inside(run, wrap);
+}
+
 }  // namespace tarn

@@ -90,6 +90,15 @@ struct Strip_Call {
     if (colors && !single_color) part.colors = colors + first;
     return part;
   }
+  // Triangle i alone, in its first colour (colours one a point).
+  Strip_Call one_color(int i) const {
+    Strip_Call part = *this;
+    part.count = 3;
+    part.points = points + i;
+    part.colors = colors + i;
+    part.single_color = true;
+    return part;
+  }
   // The colour of triangle i.
   OT_RGB32 color_of(int i) const { return colors[single_color ? 0 : i]; }
 };

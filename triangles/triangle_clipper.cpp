@@ -1,4 +1,4 @@
-// The clipper in five steps: set up the triangle and its depth plane, clip
+// The clipper in five steps: set up the triangle and its planes, clip
 // each edge to the rectangle, trace the outline (edge pieces joined by the
 // rectangle corners between them), handle a rectangle no edge reaches, and
 // write the convex outline as a strip.
@@ -30,19 +30,20 @@ constexpr double kReverseAbove = 0.999;
 struct Vertex {
   double x, y, z;
   int side;
+  std::int32_t c[4];  // red, green, blue, alpha, when the triangle has colours
 };
 
 struct Bounds {
   double xmin, xmax, ymin, ymax;
 };
 
-// ---- Step 1: the triangle in doubles, its turning and its depth plane ------
+// ---- Step 1: the triangle in doubles, its turning and its planes -----------
 
-// The depth plane through the three points, as gradients from p0.
-struct Depth_Plane {
-  double x0, y0, z0, gx, gy;
+// The plane of one attribute through the three points, as gradients from p0.
+struct Plane {
+  double x0, y0, a0, gx, gy;
 
-  double at(double x, double y) const { return z0 + gx * (x - x0) + gy * (y - y0); }
+  double at(double x, double y) const { return a0 + gx * (x - x0) + gy * (y - y0); }
 };
 
 struct Triangle {
@@ -51,29 +52,52 @@ struct Triangle {
   // The sign of the area: it decides which way the outline turns around the
   // rectangle's corners.
   bool turns_up;
-  Depth_Plane depth;
+  Plane depth;
+  bool has_color;
+  Plane color[4];  // gradients narrowed to 32-bit floats
 };
 
-Depth_Plane depth_plane(const Vertex& p0, const Vertex& p1, const Vertex& p2) {
+Plane plane(const Vertex& p0, const Vertex& p1, const Vertex& p2, double a0, double a1, double a2) {
   const double dx1 = p1.x - p0.x, dy1 = p1.y - p0.y;
   const double dx2 = p2.x - p0.x, dy2 = p2.y - p0.y;
   const double d = dy2 * dx1 - dy1 * dx2;
-  const double dz1 = p1.z - p0.z, dz2 = p2.z - p0.z;
-  if (d != 0.0) return {p0.x, p0.y, p0.z, (dz1 * dy2 - dz2 * dy1) / d, (dz1 * dx2 - dz2 * dx1) * (-1.0 / d)};
+  const double da1 = a1 - a0, da2 = a2 - a0;
+  if (d != 0.0) return {p0.x, p0.y, a0, (da1 * dy2 - da2 * dy1) / d, (da1 * dx2 - da2 * dx1) * (-1.0 / d)};
   // A flat triangle has no plane: the slope along whichever edge has extent.
-  const double gx = dx1 != 0.0 ? dz1 / dx1 : dx2 != 0.0 ? dz2 / dx2 : 0.0;
-  const double gy = dy1 != 0.0 ? dz1 / dy1 : dy2 != 0.0 ? dz2 / dy2 : 0.0;
-  return {p0.x, p0.y, p0.z, gx, gy};
+  const double gx = dx1 != 0.0 ? da1 / dx1 : dx2 != 0.0 ? da2 / dx2 : 0.0;
+  const double gy = dy1 != 0.0 ? da1 / dy1 : dy2 != 0.0 ? da2 / dy2 : 0.0;
+  return {p0.x, p0.y, a0, gx, gy};
 }
 
-Triangle set_up(const OT_DCI_Point* points, const OT_Int_Rectangle& r) {
+std::int32_t channel(OT_RGB32 c, int k) { return k == 0 ? c.r : k == 1 ? c.g : k == 2 ? c.b : c.a; }
+
+Triangle set_up(const OT_DCI_Point* points, const OT_RGB32* colors, const OT_Int_Rectangle& r) {
   Triangle tri{};
-  for (int i = 0; i < 3; ++i) tri.p[i] = {double(points[i].x), double(points[i].y), double(points[i].z), 0};
+  for (int i = 0; i < 3; ++i) {
+    tri.p[i] = {double(points[i].x), double(points[i].y), double(points[i].z), 0, {}};
+    if (colors)
+      for (int k = 0; k < 4; ++k) tri.p[i].c[k] = channel(colors[i], k);
+  }
   tri.bounds = {double(r.left), double(r.right), double(r.bottom), double(r.top)};
   const Vertex &p0 = tri.p[0], &p1 = tri.p[1], &p2 = tri.p[2];
   tri.turns_up = (p2.y - p0.y) * (p1.x - p0.x) > (p1.y - p0.y) * (p2.x - p0.x);
-  tri.depth = depth_plane(p0, p1, p2);
+  tri.depth = plane(p0, p1, p2, p0.z, p1.z, p2.z);
+  tri.has_color = colors != nullptr;
+  if (colors) {
+    for (int k = 0; k < 4; ++k) {
+      Plane& c = tri.color[k];
+      c = plane(p0, p1, p2, p0.c[k], p1.c[k], p2.c[k]);
+      c.gx = static_cast<float>(c.gx);
+      c.gy = static_cast<float>(c.gy);
+    }
+  }
   return tri;
+}
+
+// A colour on the triangle's planes, clamped to a byte's range.
+void color_at(const Triangle& tri, double x, double y, std::int32_t* c) {
+  if (!tri.has_color) return;
+  for (int k = 0; k < 4; ++k) c[k] = static_cast<std::int32_t>(std::clamp(tri.color[k].at(x, y), 0.0, 255.0));
 }
 
 // ---- Step 2: one edge against the rectangle -------------------------------
@@ -163,7 +187,10 @@ Edge_Span edge_span(const Vertex& p, const Vertex& q, const Bounds& r) {
 // end (to when at_to, else from). The free coordinate is clamped to the
 // rectangle, since a tie taken within the tolerance may step just past it.
 Vertex edge_point(const Vertex& from, const Vertex& to, int side, double t, bool at_to, const Bounds& r) {
-  Vertex v{0.0, 0.0, from.z + (to.z - from.z) * t, side};
+  Vertex v{0.0, 0.0, from.z + (to.z - from.z) * t, side, {}};
+  // Colours along the edge are truncated and not clamped: they lie between
+  // the ends' own.
+  for (int k = 0; k < 4; ++k) v.c[k] = static_cast<std::int32_t>(from.c[k] + (to.c[k] - from.c[k]) * t);
   if (side == 0) {
     v.x = at_to ? to.x : from.x;
     v.y = at_to ? to.y : from.y;
@@ -225,7 +252,9 @@ void walk_corners(const Triangle& tri, int from, int to, Outline& outline) {
       y = (c == kLeft || c == kTop) ? b.ymax : b.ymin;
       c = c == kBottom ? kLeft : c << 1;
     }
-    outline.push({x, y, tri.depth.at(x, y), side});
+    Vertex corner{x, y, tri.depth.at(x, y), side, {}};
+    color_at(tri, x, y, corner.c);
+    outline.push(corner);
   } while (c != to);
 }
 
@@ -296,15 +325,24 @@ OT_DCI_Point rounded(double x, double y, double z) {
   return {round_double(x), round_double(y), round_double(z)};
 }
 
+OT_RGB32 color_of(const std::int32_t* c) { return OT_RGB32::rgba(c[0], c[1], c[2], c[3]); }
+
 // With no edge crossing it, the rectangle is wholly outside the triangle or
 // wholly inside; one corner tells which. Inside, its four corners in this
 // order are already a strip.
-int cover_rectangle(const Triangle& tri, OT_DCI_Point* out) {
+int cover_rectangle(const Triangle& tri, OT_DCI_Point* out, OT_RGB32* out_colors) {
   const Bounds& b = tri.bounds;
   if (!point_in_triangle(tri, b.xmin, b.ymin)) return 0;
   const double xs[4] = {b.xmin, b.xmin, b.xmax, b.xmax};
   const double ys[4] = {b.ymin, b.ymax, b.ymin, b.ymax};
-  for (int k = 0; k < 4; ++k) out[k] = rounded(xs[k], ys[k], tri.depth.at(xs[k], ys[k]));
+  for (int k = 0; k < 4; ++k) {
+    out[k] = rounded(xs[k], ys[k], tri.depth.at(xs[k], ys[k]));
+    if (out_colors) {
+      std::int32_t c[4];
+      color_at(tri, xs[k], ys[k], c);
+      out_colors[k] = color_of(c);
+    }
+  }
   return 4;
 }
 
@@ -312,7 +350,7 @@ int cover_rectangle(const Triangle& tri, OT_DCI_Point* out) {
 
 // Order 0, 1, n-1, 2, n-2, ...: each new point closes a triangle with the two
 // before it, fanning the convex polygon from both ends.
-int write_strip(const Outline& outline, OT_DCI_Point* out) {
+int write_strip(const Outline& outline, OT_DCI_Point* out, OT_RGB32* out_colors) {
   const int n = outline.n;
   // Only rounding can take the outline past eight points; such a triangle
   // is not drawn rather than drawn wrong. Below three there is nothing.
@@ -322,18 +360,20 @@ int write_strip(const Outline& outline, OT_DCI_Point* out) {
   for (int k = 0; k < n; ++k) {
     const Vertex& v = outline.v[k == 0 ? 0 : (k & 1) ? low++ : high--];
     out[k] = rounded(v.x, v.y, v.z);
+    if (out_colors) out_colors[k] = color_of(v.c);
   }
   return n;
 }
 
 }  // namespace
 
-int clip_triangle_to_rectangle(const OT_DCI_Point* triangle, const OT_Int_Rectangle& rectangle,
-                               OT_DCI_Point* out) {
-  const Triangle tri = set_up(triangle, rectangle);
+int clip_triangle_to_rectangle(const OT_DCI_Point* triangle, const OT_RGB32* colors,
+                               const OT_Int_Rectangle& rectangle, OT_DCI_Point* out, OT_RGB32* out_colors) {
+  const Triangle tri = set_up(triangle, colors, rectangle);
+  if (!colors) out_colors = nullptr;
   const Outline outline = trace_outline(tri);
-  if (outline.n == 0) return cover_rectangle(tri, out);
-  return write_strip(outline, out);
+  if (outline.n == 0) return cover_rectangle(tri, out, out_colors);
+  return write_strip(outline, out, out_colors);
 }
 
 }  // namespace tarn

@@ -12,8 +12,14 @@ inline constexpr int kMaxClipVertices = 8;
 // and writes the result to out as a strip. Returns its number of points,
 // 3..kMaxClipVertices, or a number below 3 when nothing lies in the rectangle
 // (out is then left alone). Depth is interpolated on the triangle's plane;
-// x, y and z are rounded with exact halves going up.
-int clip_triangle_to_rectangle(const OT_DCI_Point* triangle, const OT_Int_Rectangle& rectangle,
-                               OT_DCI_Point* out);
+// x, y and z are rounded with exact halves going up. With colours (one a
+// point, or null for none) out_colors gets the colours of the output points.
+int clip_triangle_to_rectangle(const OT_DCI_Point* triangle, const OT_RGB32* colors,
+                               const OT_Int_Rectangle& rectangle, OT_DCI_Point* out, OT_RGB32* out_colors);
+
+inline int clip_triangle_to_rectangle(const OT_DCI_Point* triangle, const OT_Int_Rectangle& rectangle,
+                                      OT_DCI_Point* out) {
+  return clip_triangle_to_rectangle(triangle, nullptr, rectangle, out, nullptr);
+}
 
 }  // namespace tarn

@@ -47,6 +47,9 @@ struct No_Attributes {
 // A vertex with nothing but its point.
 struct Plain_Vertex {
   const OT_DCI_Point* point;
+
+  // Point i of a list (and, for vertices that have one, its colour).
+  static Plain_Vertex of(const OT_DCI_Point* p, const OT_RGB32*, int i) { return {p + i}; }
 };
 
 template <class Attributes>
