@@ -54,6 +54,36 @@ TEST_P(Rgb32_Modes, SpansOfWidthOneTwoAndMore) {
     EXPECT_EQ(h.pixel(x, y), h.clear_value()) << x << "," << y;
 }
 
+// Mapped, worked by hand in the dither's fixed point (red level = V >> 16,
+// V = red * cube scale << 8, plus the pixel's threshold): red 0 at (0,0), 255
+// at (2,0) and (0,4) give two-pixel spans on rows 0 and 1 (the right pixel
+// the mean of the ends) and one-pixel spans on rows 2 and 3. Then 0, 255, 0
+// over a 7-pixel row, stepping by 1275 * 65536 / 7 >> 8 = 46628 from 128.
+// Green and blue stay 0.
+TEST(Gouraud_Mapped, LevelsOfWidthOneTwoAndMore) {
+  for (const Mode_Case& mode : {kMapped, kZMapped}) {
+    Renderer_Harness h(mode, 24, 16);
+    const OT_Color_Cube& cube = h.renderer().cube;
+    ASSERT_EQ(cube.red_scale, 5);
+    const OT_RGB32 black = OT_RGB32::rgba(0, 0, 0), full = OT_RGB32::rgba(255, 0, 0);
+    gouraud(h, {{0, 0, 0}, {2, 0, 0}, {0, 4, 0}}, {black, full, full});
+    gouraud(h, {{10, 0, 0}, {17, 0, 0}, {10, 7, 0}}, {black, full, black});
+    struct Expect {
+      int x, y, v;
+    };
+    std::vector<Expect> expected = {{0, 0, 128},    {1, 0, 163328}, {0, 1, 81728},
+                                    {1, 1, 204128}, {0, 2, 163328}, {0, 3, 244928}};
+    for (int i = 0; i < 7; ++i) expected.push_back({10 + i, 0, 128 + 46628 * i});
+    for (const Expect& e : expected) {
+      const std::uint16_t d =
+          SHARED.dither[(e.y & 7) * 8 + (reinterpret_cast<std::uintptr_t>(h.address(e.x, e.y)) & 7)];
+      const std::uint32_t level = static_cast<std::uint32_t>(e.v + d) >> 16;
+      EXPECT_EQ(h.pixel(e.x, e.y), (cube.base + level * cube.red_step) & 255u)
+          << mode.name << " " << e.x << "," << e.y;
+    }
+  }
+}
+
 // Colours within 3 of the first draw exactly what the colorized strip of the
 // first colour draws; 4 apart they are interpolated.
 TEST_P(All_Modes, NearlyFlatTrianglesAreColorized) {
