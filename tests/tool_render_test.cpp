@@ -308,6 +308,11 @@ TEST_F(Tool, TheExamplesRender) {
       {"lines", 512, 400, ""},
       {"polygons", 512, 336, ""},
       {"clipping", 512, 352, ""},
+      // Gouraud triangles with opposite depth slopes: the red one nearer on
+      // the left, the blue one on the right; without depth blue covers.
+      {"shading", 512, 512,
+       "probe 164 65 color=224,68,76,255 depth=5229\nprobe 224 65 color=58,127,235,255 depth=7657\n"
+       "probe 164 321 color=108,61,231,255 depth=65535"},
       // Merge control: cyan and magenta ink make blue, all three black, and
       // the palette's black when mapped. Depth bias -2000 brings a square
       // 1000 behind the plate in front of it.
