@@ -1,58 +1,73 @@
 #include "lines/clipped_polylines.h"
 
+#include <type_traits>
+
+#include "lines/clip_loop.h"
 #include "lines/line_forms.h"
 #include "lines/segment_clipper.h"
 #include "pixel/entry_tests.h"
-#include "pixel/outcode_buffer.h"
 
 namespace tarn {
 namespace {
 
-// The steps common to all modes, from the outcodes on. Inside runs are
-// walked whole with the inside form, crossing segments cut to the line limits
-// and walked clipped with the crossing form.
+// Flat and colorized lines: a colour a segment through the forms of the
+// call, the inside runs and cut segments walked whole with the inside form,
+// crossing segments with the crossing form. Colorized lines cut with the
+// colour sibling, which keeps z in every mode.
 template <class Paint, class Inside_Form, class Crossing_Form>
-void clip_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                   const OT_DCI_Point* points, bool keep_depth, const Paint& paint,
-                   const Inside_Form& inside_form, const Crossing_Form& crossing_form) {
-  const Software_Z_Buffer& r = renderer_of(object);
-  auto inside = [&](int n, const OT_DCI_Point* run) { walk_polyline(r, inside_form, n, run, paint); };
-  const OT_Int_Rectangle& clip = rendition->device->hard_clip;
-  Outcode_Buffer buffer(count);
-  short* codes = buffer.data();
-  const int result = OB_Clip(clip, count, points, codes);
-  if (result == count) return inside(count, points);
-  if (result == 0) return;
-  codes[count] = OT_Outcode_End;
-  codes[count + 1] = 0;
-  // A segment leaves out its end: a last point that alone is inside is
-  // written here, by the mode's dot.
-  if (codes[count - 1] == 0 && codes[count - 2] != 0)
-    object->draw_dci_dot(rendition, &points[count - 1], nullptr);
-  int i = 0;
-  for (;;) {
-    while (codes[i] & codes[i + 1]) ++i;
-    if (codes[i + 1] == OT_Outcode_End) return;
-    if (codes[i] | codes[i + 1]) {
-      OT_DCI_Point cut[2];
-      if (clip_segment_to_limits(points[i], points[i + 1], cut, keep_depth)) {
-        const short start_code = local_outcode(clip, cut[0]), end_code = local_outcode(clip, cut[1]);
-        if ((start_code | end_code) == 0)
-          inside(2, cut);
-        else if ((start_code & end_code) == 0)
-          walk_segment(crossing_form.plot(paint(0)),
-                       Clipped_Segment(clip, r.origin_x, r.origin_y, start_code, end_code), cut[0], cut[1]);
-      }
-      ++i;
-      continue;
-    }
-    // An inside run; its last point is written again by the crossing
-    // segment that follows it, which shows under alpha.
-    int j = i + 1;
-    while (codes[j + 1] == 0) ++j;
-    inside(j - i + 1, points + i);
-    i = j;
+struct Painted_Segments {
+  OT_Renderer_Data* object;
+  const OT_Rendition& rendition;
+  int count;
+  const OT_DCI_Point* points;
+  bool keep_depth;
+  Paint paint;
+  const Inside_Form& inside_form;
+  const Crossing_Form& crossing_form;
+
+  static constexpr bool kColorized = std::is_same_v<Paint, Color_Paint>;
+  const Software_Z_Buffer& r() const { return renderer_of(object); }
+
+  void inside(int first, int n) const {
+    if constexpr (kColorized)
+      walk_polyline(r(), inside_form, n, points + first, paint.from(first));
+    else
+      walk_polyline(r(), inside_form, n, points + first, paint);
   }
+  bool cut(int i, OT_DCI_Point out[2]) const {
+    if constexpr (kColorized)
+      return clip_segment_and_colors_to_limits(points + i, out, nullptr, nullptr);
+    else
+      return clip_segment_to_limits(points[i], points[i + 1], out, keep_depth);
+  }
+  void cut_inside(int i, const OT_DCI_Point* cut) const {
+    if constexpr (kColorized) {
+      const OT_RGB32 color = paint(i);
+      walk_polyline(r(), inside_form, 2, cut, Color_Paint{&color, true});
+    } else {
+      walk_polyline(r(), inside_form, 2, cut, paint);
+    }
+  }
+  void crossing(int i, const OT_DCI_Point* cut, const Clipped_Segment& clip) const {
+    walk_segment(crossing_form.plot(paint(i)), clip, cut[0], cut[1]);
+  }
+  void last_dot() const {
+    if constexpr (kColorized) {
+      const OT_RGB32 color = paint(count - 2);
+      object->draw_dci_dot(rendition, &points[count - 1], &color);
+    } else {
+      object->draw_dci_dot(rendition, &points[count - 1], nullptr);
+    }
+  }
+};
+
+template <class Paint, class Inside_Form, class Crossing_Form>
+void clip_painted(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                  const OT_DCI_Point* points, bool keep_depth, const Paint& paint,
+                  const Inside_Form& inside_form, const Crossing_Form& crossing_form) {
+  clip_polyline(renderer_of(object), rendition, count, points,
+                Painted_Segments<Paint, Inside_Form, Crossing_Form>{
+                    object, rendition, count, points, keep_depth, paint, inside_form, crossing_form});
 }
 
 // The forms of a call in Mode. The mapped depth mode's crossing segments
@@ -65,12 +80,12 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
   const OT_RGB32 color = rendition->colors->color;
   auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
     if constexpr (Mode::kIndex)
-      clip_polyline(object, rendition, count, points, Mode::kDepth,
-                    Index_Paint{static_cast<byte>(rendition->colors->color_index)}, inside_form,
-                    crossing_form);
+      clip_painted(object, rendition, count, points, Mode::kDepth,
+                   Index_Paint{static_cast<byte>(rendition->colors->color_index)}, inside_form,
+                   crossing_form);
     else
-      clip_polyline(object, rendition, count, points, Mode::kDepth, Color_Paint{&color, true}, inside_form,
-                    crossing_form);
+      clip_painted(object, rendition, count, points, Mode::kDepth, Color_Paint{&color, true}, inside_form,
+                   crossing_form);
   };
   if constexpr (Mode::kIndex && Mode::kDepth) {
     with_line_form<Mode>(r, rendition, false, [&](const auto& crossing_form) {
@@ -106,6 +121,56 @@ void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, i
   clip_in_mode<Mode>(object, rendition, count, points);
 }
 
+// The forms of a colorized call: dithered in the mapped modes.
+template <class Mode, class Body>
+void with_colorized_form(const Software_Z_Buffer& r, const OT_Rendition& rendition, bool masked,
+                         Body&& body) {
+  if constexpr (Mode::kIndex)
+    with_dither_line_form<Mode>(r, masked, body);
+  else
+    with_line_form<Mode>(r, rendition, masked, body);
+}
+
+// The 2DI colorized family. The tests, in their order: the blending forms
+// hand a single opaque colour to the opaque form first; no image or a short
+// list returns; wide or patterned lines go to the host; depth off takes the
+// form without depth. Only the RGB32 forms without depth look at the mask
+// themselves; the inside runs of the depth forms are masked as their DCI
+// form masks them, and their crossing segments never.
+template <class Mode>
+void clipped_colorized(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                       const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  if constexpr (Mode::kAlpha) {
+    if (single_color && colors[0].a > 254)
+      return clipped_colorized<typename Mode::Opaque>(object, rendition, count, points, colors, single_color);
+  }
+  const Software_Z_Buffer& r = renderer_of(object);
+  if (nothing_to_draw(r, count)) return;
+  if (host_line(rendition))
+    return OB_Standard_Draw_2DI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
+  if constexpr (Mode::kDepth) {
+    if (depth_off(rendition))
+      return clipped_colorized<typename Mode::Without_Depth>(object, rendition, count, points, colors,
+                                                             single_color);
+  }
+  const Color_Paint paint{colors, single_color};
+  auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
+    clip_painted(object, rendition, count, points, true, paint, inside_form, crossing_form);
+  };
+  const bool masked = mask_in_force(r, rendition);
+  if constexpr (Mode::kDepth) {
+    if (masked) {
+      with_colorized_form<Mode>(r, rendition, true, [&](const auto& inside_form) {
+        with_colorized_form<Mode>(r, rendition, false,
+                                  [&](const auto& crossing_form) { clip_with(inside_form, crossing_form); });
+      });
+      return;
+    }
+  }
+  with_colorized_form<Mode>(r, rendition, masked && !Mode::kIndex && !Mode::kDepth,
+                            [&](const auto& form) { clip_with(form, form); });
+}
+
 }  // namespace
 
 void mapped_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
@@ -131,6 +196,33 @@ void z_rgb32_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& renditio
 void z_rgb32_alpha_2di_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                                 const OT_DCI_Point* points) {
   clipped_polyline<Z_Rgb32_Alpha>(object, rendition, count, points);
+}
+
+void mapped_2di_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                   const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  clipped_colorized<Mapped>(object, rendition, count, points, colors, single_color);
+}
+void z_mapped_2di_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                     const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  clipped_colorized<Z_Mapped>(object, rendition, count, points, colors, single_color);
+}
+void rgb32_2di_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                  const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  clipped_colorized<Rgb32>(object, rendition, count, points, colors, single_color);
+}
+void rgb32_alpha_2di_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                        const OT_DCI_Point* points, const OT_RGB32* colors,
+                                        bool single_color) {
+  clipped_colorized<Rgb32_Alpha>(object, rendition, count, points, colors, single_color);
+}
+void z_rgb32_2di_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                    const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  clipped_colorized<Z_Rgb32>(object, rendition, count, points, colors, single_color);
+}
+void z_rgb32_alpha_2di_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                                          const OT_DCI_Point* points, const OT_RGB32* colors,
+                                          bool single_color) {
+  clipped_colorized<Z_Rgb32_Alpha>(object, rendition, count, points, colors, single_color);
 }
 
 }  // namespace tarn

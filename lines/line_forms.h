@@ -19,6 +19,8 @@ struct Color_Paint {
   const OT_RGB32* colors;
   bool single;
   OT_RGB32 operator()(int i) const { return colors[single ? 0 : i]; }
+  // The paint of the run that starts at segment i.
+  Color_Paint from(int i) const { return {single ? colors : colors + i, single}; }
 };
 
 template <class Stores, class Wrap>
@@ -84,6 +86,28 @@ inline void with_line_form(const Software_Z_Buffer& r, const OT_Rendition& rendi
       body(Depth_Line_Form<Test, kWriteDepth, Depth_Color_Stores<Mode>, No_Masking>{&r, {}, {}});
     });
   }
+}
+
+// The colorized form of the mapped modes: each colour sorted once into its
+// dither thresholds, no merge; with depth, the test at or below and depth
+// always written, and the mask when one is in force. Without depth the mask
+// is not looked at.
+struct Dither_Stores {
+  const OT_Color_Cube* cube;
+  Dither_Compare_Store operator()(OT_RGB32 c) const {
+    return Dither_Compare_Store(dither_thresholds(*cube, c));
+  }
+};
+
+template <class Mode, class Body>
+inline void with_dither_line_form(const Software_Z_Buffer& r, bool masked, Body&& body) {
+  const Dither_Stores stores{&r.cube};
+  if constexpr (!Mode::kDepth)
+    body(Color_Line_Form<Dither_Stores, No_Masking>{&r, stores, {}});
+  else if (masked)
+    body(Depth_Line_Form<Depth_At_Or_Below, true, Dither_Stores, Masking>{&r, stores, Masking(r)});
+  else
+    body(Depth_Line_Form<Depth_At_Or_Below, true, Dither_Stores, No_Masking>{&r, stores, {}});
 }
 
 // Segments in order, then the last point once, in the last segment's colour.

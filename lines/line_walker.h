@@ -21,10 +21,15 @@
 // same number of single additions modulo 2^32.
 //
 // A plot supplies
-//   static constexpr bool kDepth;
-//   void operator()(std::int32_t column, std::int32_t row, std::uint16_t depth) const;
-// called with window-relative positions; depth is the interpolated candidate
-// (0 without depth).
+//   using Attributes     what it walks beside the position: No_Line_Attributes,
+//                        Line_Depth, or colour accumulators; with
+//                        skip(k) and next(), which gives a pixel's value and
+//                        steps;
+//   Attributes attributes(a, b, n) const   for a segment of n major steps;
+//   void operator()(std::int32_t column, std::int32_t row, value) const;
+// called with window-relative positions and the value of next(). Every
+// visited pixel steps the attributes, written or not. The walk returns the
+// attributes as the last pixel left them (one step past it).
 #pragma once
 
 #include <algorithm>
@@ -33,27 +38,9 @@
 
 #include "host/ot_base.h"
 #include "pixel/fixed_point.h"
+#include "pixel/line_attributes.h"
 
 namespace tarn {
-
-// Depth along a segment: 17.15 from the start point's z, n steps of the
-// major axis to the end.
-struct Line_Depth {
-  std::uint32_t pos = 0;
-  std::uint32_t step = 0;
-
-  Line_Depth() = default;
-  Line_Depth(std::int32_t z0, std::int32_t z1, std::int32_t n)
-      : pos((static_cast<std::uint32_t>(z0) << 15) | 0x4000u),
-        step(static_cast<std::uint32_t>(slope15(wrap_sub(z1, z0), n))) {}
-
-  void skip(std::int32_t k) { pos += step * static_cast<std::uint32_t>(k); }
-  std::uint16_t next() {
-    const std::uint16_t candidate = static_cast<std::uint16_t>(static_cast<std::int32_t>(pos) >> 15);
-    pos += step;
-    return candidate;
-  }
-};
 
 // The 16.16 position of a shallow segment before its first row, rounded by
 // direction.
@@ -86,23 +73,19 @@ struct Whole_Segment {
 // Flattened: the slope, the start rule and the plot are inlined into the
 // loops, which a segment of a few pixels notices.
 template <class Plot, class Clip>
-[[gnu::flatten]] inline void walk_segment(const Plot& plot, const Clip& clip, const OT_DCI_Point& a,
-                                          const OT_DCI_Point& b) {
+[[gnu::flatten]] inline typename Plot::Attributes walk_segment(const Plot& plot, const Clip& clip,
+                                                               const OT_DCI_Point& a, const OT_DCI_Point& b) {
   const std::int32_t dx = b.x - a.x, dy = b.y - a.y;
   const std::int32_t adx = std::abs(dx), ady = std::abs(dy);
   const std::int32_t sx = dx < 0 ? -1 : 1, sy = dy < 0 ? -1 : 1;
-  Line_Depth depth;
+  typename Plot::Attributes attributes{};
   // n: steps of the major axis; k: steps skipped before the first pixel.
   auto start_depth = [&](std::int32_t n, std::int32_t k) {
-    if constexpr (Plot::kDepth) {
-      depth = Line_Depth(a.z, b.z, n);
-      if constexpr (Clip::kClipped) depth.skip(k);
-    }
+    attributes = plot.attributes(a, b, n);
+    if constexpr (Clip::kClipped) attributes.skip(k);
   };
   auto put = [&](std::int32_t x, std::int32_t y) {
-    std::uint16_t candidate = 0;
-    if constexpr (Plot::kDepth) candidate = depth.next();
-    plot(x - clip.origin_x, y - clip.origin_y, candidate);
+    plot(x - clip.origin_x, y - clip.origin_y, attributes.next());
   };
   // Where a walk along one axis enters and leaves [low, high], by direction.
   auto enter = [](std::int32_t v, std::int32_t s, std::int32_t low, std::int32_t high) {
@@ -113,7 +96,7 @@ template <class Plot, class Clip>
   };
 
   if (dy == 0) {
-    if (dx == 0) return;  // no pixel, and no dot either
+    if (dx == 0) return attributes;  // no pixel, and no dot either
     std::int32_t first = a.x, stop = b.x;
     if constexpr (Clip::kClipped) {
       first = enter(first, sx, clip.left, clip.right);
@@ -121,7 +104,7 @@ template <class Plot, class Clip>
     }
     start_depth(adx, std::abs(first - a.x));
     for (std::int32_t i = 0, x = first; i < (stop - first) * sx; ++i, x += sx) put(x, a.y);
-    return;
+    return attributes;
   }
   if (dx == 0) {
     std::int32_t first = a.y, stop = b.y;
@@ -131,12 +114,12 @@ template <class Plot, class Clip>
     }
     start_depth(ady, std::abs(first - a.y));
     for (std::int32_t i = 0, y = first; i < (stop - first) * sy; ++i, y += sy) put(a.x, y);
-    return;
+    return attributes;
   }
 
   Clip_Rows rows{a.y, b.y, false};
   if constexpr (Clip::kClipped) {
-    if (!clip.rows(a, b, rows)) return;
+    if (!clip.rows(a, b, rows)) return attributes;
   }
   const std::int32_t n = std::abs(rows.last_row - rows.first_row);
   const std::int32_t skipped = std::abs(rows.first_row - a.y);
@@ -146,7 +129,7 @@ template <class Plot, class Clip>
     start_depth(ady, skipped);
     for (std::int32_t i = 0, x = a.x + sx * skipped, y = rows.first_row; i < count; ++i, x += sx, y += sy)
       put(x, y);
-    return;
+    return attributes;
   }
 
   const std::int32_t step = slope(dx, ady);
@@ -165,7 +148,7 @@ template <class Plot, class Clip>
       put(clip.column(pos), y);
       pos += static_cast<std::uint32_t>(step);
     }
-    return;
+    return attributes;
   }
 
   // Shallow: a run a row. A clipped start takes up the whole walk's position
@@ -200,6 +183,7 @@ template <class Plot, class Clip>
       stop = dx < 0 ? std::max(clip.left - 1, clip.column(pos)) : std::min(clip.right + 1, clip.column(pos));
   }
   run(column, stop, y);
+  return attributes;
 }
 
 }  // namespace tarn

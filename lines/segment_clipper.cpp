@@ -45,11 +45,11 @@ OT_DCI_Point cut_point(const OT_DCI_Point& a, double dx, double dy, double dz, d
   return p;
 }
 
-}  // namespace
-
-bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2],
-                            bool keep_depth) {
-  const double dx = double(b.x) - double(a.x), dy = double(b.y) - double(a.y), dz = double(b.z) - double(a.z);
+// The cut of a..b with the differences already formed; colours, when given,
+// are cut along: red, green and blue interpolated, alpha kept from the end
+// that is replaced.
+bool cut_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, double dx, double dy, double dz,
+                   OT_DCI_Point out[2], bool keep_depth, const OT_RGB32* colors, OT_RGB32* out_colors) {
   // The differences to the limits are made in float, then widened.
   const auto low = [](std::int32_t v) { return double(float(kLineLimitLow) - float(v)); };
   const auto high = [](std::int32_t v) { return double(float(kLineLimitHigh) - float(v)); };
@@ -87,7 +87,35 @@ bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI
   if (t0 > t1) return false;
   out[0] = t0 > 0.0 ? cut_point(a, dx, dy, dz, t0, side0, keep_depth) : a;
   out[1] = t1 < 1.0 ? cut_point(a, dx, dy, dz, t1, side1, keep_depth) : b;
+  if (colors) {
+    auto cut_color = [&](double t, OT_RGB32 kept) {
+      auto channel = [&](byte from, byte to) {
+        return static_cast<byte>(rnd((double(to) - double(from)) * t + from));
+      };
+      kept.r = channel(colors[0].r, colors[1].r);
+      kept.g = channel(colors[0].g, colors[1].g);
+      kept.b = channel(colors[0].b, colors[1].b);
+      return kept;
+    };
+    out_colors[0] = t0 > 0.0 ? cut_color(t0, colors[0]) : colors[0];
+    out_colors[1] = t1 < 1.0 ? cut_color(t1, colors[1]) : colors[1];
+  }
   return true;
+}
+
+}  // namespace
+
+bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2],
+                            bool keep_depth) {
+  return cut_to_limits(a, b, double(b.x) - double(a.x), double(b.y) - double(a.y), double(b.z) - double(a.z),
+                       out, keep_depth, nullptr, nullptr);
+}
+
+bool clip_segment_and_colors_to_limits(const OT_DCI_Point* points, OT_DCI_Point out[2],
+                                       const OT_RGB32* colors, OT_RGB32* out_colors) {
+  const OT_DCI_Point &a = points[0], &b = points[1];
+  return cut_to_limits(a, b, double(wrap_sub(b.x, a.x)), double(wrap_sub(b.y, a.y)),
+                       double(wrap_sub(b.z, a.z)), out, true, colors, out_colors);
 }
 
 int direction_code(std::int32_t dx, std::int32_t dy) {

@@ -15,6 +15,13 @@ namespace tarn {
 bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2],
                             bool keep_depth);
 
+// The sibling for lines with colours: the differences are formed as 32-bit
+// integers (wrapping), z is always kept, and with colours (two, or null for
+// none) out_colors gets the ends' colours, cut ends interpolated in red,
+// green and blue.
+bool clip_segment_and_colors_to_limits(const OT_DCI_Point* points, OT_DCI_Point out[2],
+                                       const OT_RGB32* colors, OT_RGB32* out_colors);
+
 // Outcode of a point against the hard clip, computed here rather than by
 // OB_Clip: x right 4 or left 1, then y above 2 or below 8.
 inline short local_outcode(const OT_Int_Rectangle& clip, const OT_DCI_Point& p) {

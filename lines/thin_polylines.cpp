@@ -1,5 +1,7 @@
 #include "lines/thin_polylines.h"
 
+#include <type_traits>
+
 #include "lines/line_forms.h"
 #include "pixel/entry_tests.h"
 
@@ -23,16 +25,20 @@ void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int coun
     if (paint.single && paint.colors[0].a > 254)
       return dci_lines<typename Mode::Opaque>(object, rendition, count, points, paint);
   }
+  constexpr bool kFlat = std::is_same_v<Paint, Index_Paint>;
   if (host_line(rendition)) {
-    if constexpr (Mode::kIndex)
+    if constexpr (kFlat)
       return OB_Standard_Draw_DCI_Polyline(object, rendition, count, points);
     else
       return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, paint.colors,
                                                      paint.single);
   }
   const Software_Z_Buffer& r = renderer_of(object);
-  with_line_form<Mode>(r, rendition, mask_in_force(r, rendition),
-                       [&](const auto& form) { walk_polyline(r, form, count, points, paint); });
+  auto walk = [&](const auto& form) { walk_polyline(r, form, count, points, paint); };
+  if constexpr (Mode::kIndex && !kFlat)
+    with_dither_line_form<Mode>(r, Mode::kDepth && mask_in_force(r, rendition), walk);
+  else
+    with_line_form<Mode>(r, rendition, mask_in_force(r, rendition), walk);
 }
 
 }  // namespace
@@ -65,6 +71,10 @@ template void dci_polyline<Z_Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int,
 template void dci_polyline<Z_Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 
 using Colors = const OT_RGB32*;
+template void dci_colorized_polyline<Mapped>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*,
+                                             Colors, bool);
+template void dci_colorized_polyline<Z_Mapped>(OT_Renderer_Data*, const OT_Rendition&, int,
+                                               const OT_DCI_Point*, Colors, bool);
 template void dci_colorized_polyline<Rgb32>(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*,
                                             Colors, bool);
 template void dci_colorized_polyline<Rgb32_Alpha>(OT_Renderer_Data*, const OT_Rendition&, int,

@@ -1,5 +1,5 @@
-// Thin polylines at trusted integer points: the one-colour form of every mode
-// and the colorized form of the RGB32 modes, each one template by mode.
+// Thin polylines at trusted integer points: the one-colour form and the
+// colorized form of every mode, each one template by mode.
 #pragma once
 
 #include "frame/software_z_buffer.h"
@@ -23,6 +23,8 @@ inline constexpr auto rgb32_alpha_dci_polyline = &dci_polyline<Rgb32_Alpha>;
 inline constexpr auto z_rgb32_dci_polyline = &dci_polyline<Z_Rgb32>;
 inline constexpr auto z_rgb32_alpha_dci_polyline = &dci_polyline<Z_Rgb32_Alpha>;
 
+inline constexpr auto mapped_dci_colorized_polyline = &dci_colorized_polyline<Mapped>;
+inline constexpr auto z_mapped_dci_colorized_polyline = &dci_colorized_polyline<Z_Mapped>;
 inline constexpr auto rgb32_dci_colorized_polyline = &dci_colorized_polyline<Rgb32>;
 inline constexpr auto rgb32_alpha_dci_colorized_polyline = &dci_colorized_polyline<Rgb32_Alpha>;
 inline constexpr auto z_rgb32_dci_colorized_polyline = &dci_colorized_polyline<Z_Rgb32>;

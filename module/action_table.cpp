@@ -2,6 +2,7 @@
 
 #include "frame/buffer_services.h"
 #include "lines/clipped_polylines.h"
+#include "lines/gouraud_polylines.h"
 #include "lines/thin_polylines.h"
 #include "primitives/dots.h"
 #include "primitives/polygons.h"
@@ -71,7 +72,10 @@ const Mode_Actions kRgb32AlphaActions = with_host_routines(
         .draw_dci_gouraud_polytriangle = rgb32_alpha_dci_gouraud_polytriangle,
         .draw_2di_polyline = rgb32_alpha_2di_polyline,
         .draw_dci_polyline = rgb32_alpha_dci_polyline,
+        .draw_2di_colorized_polyline = rgb32_alpha_2di_colorized_polyline,
         .draw_dci_colorized_polyline = rgb32_alpha_dci_colorized_polyline,
+        .draw_2di_gouraud_polyline = rgb32_alpha_2di_gouraud_polyline,
+        .draw_dci_gouraud_polyline = rgb32_alpha_dci_gouraud_polyline,
         .draw_2di_polymarker = rgb32_alpha_2di_polymarker,
         .draw_dci_dot = rgb32_alpha_dci_dot,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
@@ -95,7 +99,10 @@ const Mode_Actions kRgb32Actions = with_host_routines(
         .draw_dci_gouraud_polytriangle = rgb32_dci_gouraud_polytriangle,
         .draw_2di_polyline = rgb32_2di_polyline,
         .draw_dci_polyline = rgb32_dci_polyline,
+        .draw_2di_colorized_polyline = rgb32_2di_colorized_polyline,
         .draw_dci_colorized_polyline = rgb32_dci_colorized_polyline,
+        .draw_2di_gouraud_polyline = rgb32_2di_gouraud_polyline,
+        .draw_dci_gouraud_polyline = rgb32_dci_gouraud_polyline,
         .draw_2di_polymarker = rgb32_2di_polymarker,
         .draw_dci_dot = rgb32_dci_dot,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
@@ -119,6 +126,10 @@ const Mode_Actions kMappedActions = with_host_routines(
         .draw_dci_gouraud_polytriangle = mapped_dci_gouraud_polytriangle,
         .draw_2di_polyline = mapped_2di_polyline,
         .draw_dci_polyline = mapped_dci_polyline,
+        .draw_2di_colorized_polyline = mapped_2di_colorized_polyline,
+        .draw_dci_colorized_polyline = mapped_dci_colorized_polyline,
+        .draw_2di_gouraud_polyline = mapped_2di_gouraud_polyline,
+        .draw_dci_gouraud_polyline = mapped_dci_gouraud_polyline,
         .draw_2di_polymarker = mapped_2di_polymarker,
         .draw_dci_dot = mapped_dci_dot,
         .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
@@ -142,6 +153,10 @@ const Mode_Actions kZMappedActions = with_host_routines(
         .draw_dci_gouraud_polytriangle = z_mapped_dci_gouraud_polytriangle,
         .draw_2di_polyline = z_mapped_2di_polyline,
         .draw_dci_polyline = z_mapped_dci_polyline,
+        .draw_2di_colorized_polyline = z_mapped_2di_colorized_polyline,
+        .draw_dci_colorized_polyline = z_mapped_dci_colorized_polyline,
+        .draw_2di_gouraud_polyline = z_mapped_2di_gouraud_polyline,
+        .draw_dci_gouraud_polyline = z_mapped_dci_gouraud_polyline,
         .draw_dci_dot = z_mapped_dci_dot,
         .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
         .write_depth_rectangle = z_write_depth_rectangle,
@@ -166,7 +181,10 @@ const Mode_Actions kZRgb32AlphaActions = with_host_routines(
         .draw_dci_gouraud_polytriangle = z_rgb32_alpha_dci_gouraud_polytriangle,
         .draw_2di_polyline = z_rgb32_alpha_2di_polyline,
         .draw_dci_polyline = z_rgb32_alpha_dci_polyline,
+        .draw_2di_colorized_polyline = z_rgb32_alpha_2di_colorized_polyline,
         .draw_dci_colorized_polyline = z_rgb32_alpha_dci_colorized_polyline,
+        .draw_2di_gouraud_polyline = z_rgb32_alpha_2di_gouraud_polyline,
+        .draw_dci_gouraud_polyline = z_rgb32_alpha_dci_gouraud_polyline,
         .draw_2di_polymarker = z_rgb32_alpha_2di_polymarker,
         .draw_dci_dot = z_rgb32_alpha_dci_dot,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
@@ -192,7 +210,10 @@ const Mode_Actions kZRgb32Actions = with_host_routines(
         .draw_dci_gouraud_polytriangle = z_rgb32_dci_gouraud_polytriangle,
         .draw_2di_polyline = z_rgb32_2di_polyline,
         .draw_dci_polyline = z_rgb32_dci_polyline,
+        .draw_2di_colorized_polyline = z_rgb32_2di_colorized_polyline,
         .draw_dci_colorized_polyline = z_rgb32_dci_colorized_polyline,
+        .draw_2di_gouraud_polyline = z_rgb32_2di_gouraud_polyline,
+        .draw_dci_gouraud_polyline = z_rgb32_dci_gouraud_polyline,
         .draw_2di_polymarker = z_rgb32_2di_polymarker,
         .draw_dci_dot = z_rgb32_dci_dot,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,

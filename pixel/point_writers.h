@@ -10,6 +10,7 @@
 
 #include "frame/software_z_buffer.h"
 #include "pixel/depth_test.h"
+#include "pixel/line_attributes.h"
 #include "pixel/merge.h"
 #include "pixel/modes.h"
 #include "pixel/pixel_writers.h"
@@ -20,8 +21,10 @@ namespace tarn {
 template <Pixel_Store Store>
 struct Color_Plot {
   static constexpr bool kDepth = false;
+  using Attributes = No_Line_Attributes;
   Store store;
   byte* const* rows;
+  static Attributes attributes(const OT_DCI_Point&, const OT_DCI_Point&, std::int32_t) { return {}; }
   template <class D>
   void operator()(std::int32_t column, std::int32_t row, D) const {
     store.pixel(reinterpret_cast<typename Store::Pixel*>(rows[row]) + column, row);
@@ -33,9 +36,13 @@ struct Color_Plot {
 template <class Test, bool kWriteDepth, Pixel_Store Store>
 struct Depth_Plot {
   static constexpr bool kDepth = true;
+  using Attributes = Line_Depth;
   Store store;
   byte* const* rows;
   byte* const* depth_rows;
+  static Attributes attributes(const OT_DCI_Point& a, const OT_DCI_Point& b, std::int32_t n) {
+    return Line_Depth(a.z, b.z, n);
+  }
   template <class D>
   void operator()(std::int32_t column, std::int32_t row, D d) const {
     depth_pixel<Test, kWriteDepth>(store, reinterpret_cast<typename Store::Pixel*>(rows[row]) + column,

@@ -15,6 +15,7 @@
 #include <cstdlib>
 
 #include "pixel/depth_test.h"
+#include "pixel/near_color.h"
 #include "triangles/depth_fill.h"
 
 namespace tarn {
@@ -44,12 +45,6 @@ struct Accumulators {
                                        static_cast<std::uint32_t>(step.v[k]) * static_cast<std::uint32_t>(n));
   }
 };
-
-// Colours whose red, green and blue differ by at most 3 either way (alpha is
-// not compared).
-inline bool near_color(OT_RGB32 a, OT_RGB32 b) {
-  return std::abs(a.r - b.r) <= 3 && std::abs(a.g - b.g) <= 3 && std::abs(a.b - b.b) <= 3;
-}
 
 // ---- Shades: a mode's channels and what a pixel makes of them ----------------------
 // `value(color, k)` is channel k's walked value; `store(v, p, row, put)` hands

@@ -1,0 +1,36 @@
+// What a line walk carries beside its position, and steps once at every
+// pixel it visits: nothing, or depth. (Shaded lines add colour.)
+#pragma once
+
+#include <cstdint>
+
+#include "pixel/fixed_point.h"
+
+namespace tarn {
+
+// Nothing beside the position.
+struct No_Line_Attributes {
+  void skip(std::int32_t) {}
+  int next() { return 0; }
+};
+
+// Depth along a segment: 17.15 from the start point's z, n steps of the
+// major axis to the end.
+struct Line_Depth {
+  std::uint32_t pos = 0;
+  std::uint32_t step = 0;
+
+  Line_Depth() = default;
+  Line_Depth(std::int32_t z0, std::int32_t z1, std::int32_t n)
+      : pos((static_cast<std::uint32_t>(z0) << 15) | 0x4000u),
+        step(static_cast<std::uint32_t>(slope15(wrap_sub(z1, z0), n))) {}
+
+  void skip(std::int32_t k) { pos += step * static_cast<std::uint32_t>(k); }
+  std::uint16_t next() {
+    const std::uint16_t candidate = static_cast<std::uint16_t>(static_cast<std::int32_t>(pos) >> 15);
+    pos += step;
+    return candidate;
+  }
+};
+
+}  // namespace tarn
