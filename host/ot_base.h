@@ -32,6 +32,10 @@ class OMBRA_API OT_Object {
 // New serial: atomic increment of the host's counter, the incremented value.
 OMBRA_API std::uint32_t OB_New_Serial();
 
+// Objects of the tree now on the host's heap: made by operator new and not
+// yet freed. A leak check compares it before and after.
+OMBRA_API std::int64_t OB_Live_Objects();
+
 // Counted record. A new object has count 0 and a fresh serial; a clone is a
 // new object too. Two objects with one serial have the same contents.
 class OMBRA_API OT_Counted : public OT_Object {

@@ -56,15 +56,12 @@ std::vector<Token> split_line(std::string_view line) {
 }
 
 Script read_script(const std::string& path) {
-  Script script;
   std::string contents;
   if (path == "-") {
-    script.name = "<stdin>";
     std::ostringstream buffer;
     buffer << std::cin.rdbuf();
     contents = buffer.str();
   } else {
-    script.name = path;
     std::ifstream file(path, std::ios::binary);
     if (!file) throw Script_Error(path + ": cannot open the script: " + std::strerror(errno));
     std::ostringstream buffer;
@@ -72,7 +69,12 @@ Script read_script(const std::string& path) {
     if (file.bad()) throw Script_Error(path + ": cannot read the script: " + std::strerror(errno));
     contents = buffer.str();
   }
+  return parse_script(path == "-" ? "<stdin>" : path, contents);
+}
 
+Script parse_script(const std::string& name, const std::string& contents) {
+  Script script;
+  script.name = name;
   std::size_t start = 0;
   for (int number = 1; start < contents.size(); ++number) {
     std::size_t end = contents.find('\n', start);

@@ -49,6 +49,8 @@ std::vector<Token> split_line(std::string_view line);
 // Script_Error when the file can't be read or a line can't be split; the
 // message then carries the file name (and line number).
 Script read_script(const std::string& path);
+// The same for a script in hand; name is what messages call it.
+Script parse_script(const std::string& name, const std::string& contents);
 
 // Number syntax shared by all commands: an optional sign, then decimal digits
 // or 0x and hex digits.

@@ -1,0 +1,274 @@
+// Decodes the input into a renderer and a run of drawing calls through the
+// slots of every clipping family, with points of every magnitude (NaN and
+// infinities for the float forms), and checks after each call that nothing
+// outside the hard clip changed. Out-of-image writes are ASan's to catch;
+// at the end of an input every object the host made is gone again.
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "host/ombra.h"
+
+namespace {
+
+const OT_Module& module() {
+  static OT_Module* m = [] {
+    auto* opened = new OT_Module;
+    std::string error;
+    if (!opened->open(TARN_MODULE_PATH, error)) {
+      std::fprintf(stderr, "cannot open the module: %s\n", error.c_str());
+      std::abort();
+    }
+    return opened;
+  }();
+  return *m;
+}
+
+[[noreturn]] void fail(const char* what, int x, int y) {
+  std::fprintf(stderr, "draw fuzzer: %s at window pixel (%d, %d)\n", what, x, y);
+  std::abort();
+}
+
+struct Frame {
+  int width, height, pixel_bytes;
+  bool depth;
+};
+
+// An image as clients find it, through its option.
+const OT_Shared_Image_Data* image(OT_Renderer_Data& r, const wchar_t* name) {
+  const OT_Option* option = r.current_option_table()->find(name);
+  return option ? static_cast<const OT_Shared_Image_Data*>(option->as_pointer()) : nullptr;
+}
+
+// Colour and depth bytes of the window, in row order.
+std::vector<byte> snapshot(OT_Renderer_Data& r, const Frame& f) {
+  const OT_Shared_Image_Data* color = image(r, L"Color Buffer");
+  const OT_Shared_Image_Data* depth = image(r, L"Depth Buffer");
+  std::vector<byte> out;
+  for (int y = 0; y < f.height; ++y) {
+    const byte* row = color->device_rows[y];
+    out.insert(out.end(), row, row + f.width * f.pixel_bytes);
+    if (f.depth) {
+      const byte* z = depth->device_rows[y];
+      out.insert(out.end(), z, z + f.width * 2);
+    }
+  }
+  return out;
+}
+
+class Decoder {
+ public:
+  explicit Decoder(FuzzedDataProvider& in) : in_(in) {}
+
+  std::int32_t coordinate(int low, int high) {
+    switch (in_.ConsumeIntegralInRange(0, 5)) {
+      case 0:
+      case 1:
+        return in_.ConsumeIntegralInRange(low - 8, high + 8);
+      case 2:
+        return in_.ConsumeIntegralInRange(-5000, 30000);
+      case 3:
+        return in_.ConsumeIntegralInRange(-2000000, 2000000);
+      default:
+        return in_.ConsumeIntegral<std::int32_t>();
+    }
+  }
+  double real(int low, int high) {
+    switch (in_.ConsumeIntegralInRange(0, 9)) {
+      case 0:
+        return std::numeric_limits<double>::quiet_NaN();
+      case 1:
+        return in_.ConsumeBool() ? HUGE_VAL : -HUGE_VAL;
+      case 2:
+        return in_.ConsumeFloatingPointInRange(-1e30, 1e30);
+      case 3:
+        return in_.ConsumeFloatingPointInRange(-5e9, 5e9);
+      default:
+        return coordinate(low, high) + in_.ConsumeProbability<double>();
+    }
+  }
+  OT_RGB32 color() {
+    return OT_RGB32::rgba(in_.ConsumeIntegral<byte>(), in_.ConsumeIntegral<byte>(),
+                          in_.ConsumeIntegral<byte>(), in_.ConsumeBool() ? 255 : in_.ConsumeIntegral<byte>());
+  }
+  int count() {
+    return in_.ConsumeBool() ? in_.ConsumeIntegralInRange(0, 8) : in_.ConsumeIntegralInRange(0, 70);
+  }
+
+  FuzzedDataProvider& in_;
+};
+
+void fuzz(FuzzedDataProvider& in) {
+  Decoder d(in);
+  const bool depth = in.ConsumeBool(), mapped = in.ConsumeBool(), alpha = !mapped && in.ConsumeBool();
+  const Frame f{in.ConsumeIntegralInRange(1, 48), in.ConsumeIntegralInRange(1, 40), mapped ? 1 : 4, depth};
+  const OT_Int_XY origin{in.ConsumeIntegralInRange(-300, 300), in.ConsumeIntegralInRange(-300, 300)};
+
+  OT_Renderer_Data* r = module().create();
+  if (!r) std::abort();
+  OT_Renderer_Options& o = r->requested_renderer_options;
+  o.set_window_size({f.width, f.height});
+  o.set_window_origin(origin);
+  o.set_buffer_depth(f.depth ? 16 : 0);
+  o.set_color_system(mapped ? OT_Color_System_Mapped : OT_Color_System_Direct);
+  o.set_alpha_blending(alpha);
+  const bool use_mask = in.ConsumeBool();
+  r->requested_options.find(L"Use Mask")->set(OT_Option_Value::of_bool(use_mask));
+  r->requested_options.find(L"Enable Tiling")->set(OT_Option_Value::of_bool(in.ConsumeBool()));
+  r->requested_options.find(L"Force Merge Control On")->set(OT_Option_Value::of_bool(in.ConsumeBool()));
+  r->update_current_options();
+  if (r->establish() != 0 || !image(*r, L"Color Buffer") || (depth && !image(*r, L"Depth Buffer"))) {
+    module().destroy(r);
+    return;
+  }
+  {
+    OT_Rendition rendition = OT_Rendition::make_default(f.width, f.height, o.palette());
+    // A hard clip somewhere in the window.
+    const int left = in.ConsumeIntegralInRange(0, f.width - 1),
+              right = in.ConsumeIntegralInRange(left, f.width - 1);
+    const int bottom = in.ConsumeIntegralInRange(0, f.height - 1),
+              top = in.ConsumeIntegralInRange(bottom, f.height - 1);
+    const OT_Int_Rectangle clip{origin.x + left, origin.x + right, origin.y + bottom, origin.y + top};
+    OT_Rendition_Device* device = rendition.writable_device();
+    device->hard_clip = clip;
+    device->extent = {origin.x, origin.x + f.width - 1, origin.y, origin.y + f.height - 1};
+    device->depth_enabled = in.ConsumeBool() ? 1 : 0;
+    if (use_mask && in.ConsumeBool()) {
+      std::vector<OT_Point> polygon;
+      for (int i = in.ConsumeIntegralInRange(0, 9); i > 0; --i)
+        polygon.push_back({float(d.real(clip.left, clip.right)), float(d.real(clip.bottom, clip.top)), 0.0f});
+      device->complex_clip = OT_Contour_Set(int(polygon.size()), polygon.data(), true);
+    }
+    OT_Rendition_Face* face = rendition.writable_face();
+    static const std::int32_t patterns[] = {64, 64, 0, 1, 17, 40, 63, 73, 75, 90};
+    face->pattern = patterns[in.ConsumeIntegralInRange(0, 9)];
+    face->depth_bias = in.ConsumeIntegralInRange(-70000, 70000);
+    OT_Rendition_Raster* raster = rendition.writable_raster();
+    raster->stipple_flags = in.ConsumeIntegralInRange(0, 3);
+    raster->write_mode = in.ConsumeBool() ? 20 : 0;
+    raster->pattern_origin_x = in.ConsumeIntegralInRange(-20, 20);
+    raster->pattern_origin_y = in.ConsumeIntegralInRange(-20, 20);
+    raster->advanced_options = in.ConsumeIntegralInRange(0, 63);
+    OT_Rendition_Line* line = rendition.writable_line();
+    line->weight = in.ConsumeIntegralInRange(0, 3);
+    line->pattern = in.ConsumeIntegralInRange(0, 1);
+    OT_Rendition_Colors* colors = rendition.writable_colors();
+    colors->color = d.color();
+    colors->color_index = in.ConsumeIntegral<byte>();
+    colors->contrast_color = d.color();
+    colors->contrast_index = in.ConsumeIntegral<byte>();
+
+    r->clear_color(rendition);
+    r->clear_depth(rendition);
+    std::vector<byte> before = snapshot(*r, f);
+    for (int call = 0; call < 24 && in.remaining_bytes() > 0; ++call) {
+      const int n = d.count();
+      std::vector<OT_DCI_Point> ints;
+      std::vector<OT_Point> floats;
+      std::vector<OT_Point_D> doubles;
+      std::vector<OT_RGB32> shades;
+      for (int i = 0; i < n; ++i) {
+        const std::int32_t x = d.coordinate(clip.left, clip.right), y = d.coordinate(clip.bottom, clip.top);
+        const std::int32_t z = in.ConsumeIntegralInRange(-1000, 70000);
+        ints.push_back({x, y, z});
+        floats.push_back(
+            {float(d.real(clip.left, clip.right)), float(d.real(clip.bottom, clip.top)), float(z)});
+        doubles.push_back({d.real(clip.left, clip.right), d.real(clip.bottom, clip.top), double(z)});
+        shades.push_back(d.color());
+      }
+      const bool single = in.ConsumeBool();
+      const OT_RGB32* c = n > 0 ? shades.data() : nullptr;
+      switch (in.ConsumeIntegralInRange(0, 17)) {
+        case 0:
+          r->draw_2di_polytriangle(rendition, n, ints.data());
+          break;
+        case 1:
+          r->draw_2d_polytriangle(rendition, n, floats.data());
+          break;
+        case 2:
+          r->draw_2di_colorized_polytriangle(rendition, n, ints.data(), c, single);
+          break;
+        case 3:
+          r->draw_2d_colorized_polytriangle(rendition, n, floats.data(), c, single);
+          break;
+        case 4:
+          r->draw_2di_gouraud_polytriangle(rendition, n, ints.data(), c);
+          break;
+        case 5:
+          r->draw_2d_gouraud_polytriangle(rendition, n, floats.data(), c);
+          break;
+        case 6:
+          r->draw_2di_polyline(rendition, n, ints.data());
+          break;
+        case 7:
+          r->draw_2di_colorized_polyline(rendition, n, ints.data(), c, single);
+          break;
+        case 8:
+          r->draw_2di_gouraud_polyline(rendition, n, ints.data(), c);
+          break;
+        case 9:
+          r->draw_2di_polygon(rendition, n, ints.data(), in.ConsumeBool() ? c : nullptr);
+          break;
+        case 10:
+          r->draw_2d_polygon(rendition, n, floats.data(), in.ConsumeBool() ? c : nullptr);
+          break;
+        case 11:
+          r->draw_2di_polymarker(rendition, n, ints.data());
+          break;
+        case 12:
+          r->draw_tiled_polytriangle(rendition, n, doubles.data());
+          break;
+        case 13:
+          r->draw_tiled_colorized_polytriangle(rendition, n, doubles.data(), c, single);
+          break;
+        case 14:
+          r->draw_tiled_gouraud_polytriangle(rendition, n, doubles.data(), c);
+          break;
+        case 15:
+          r->draw_tiled_polyline(rendition, n, doubles.data());
+          break;
+        case 16:
+          r->draw_tiled_polygon(rendition, n, doubles.data(), c);
+          break;
+        default:
+          r->draw_2d_polyline(rendition, n, floats.data());
+          break;
+      }
+      // Nothing outside the hard clip may change.
+      const std::vector<byte> after = snapshot(*r, f);
+      const int stride = f.width * f.pixel_bytes + (f.depth ? f.width * 2 : 0);
+      for (int y = 0; y < f.height; ++y)
+        for (int x = 0; x < f.width; ++x) {
+          if (x >= left && x <= right && y >= bottom && y <= top) continue;
+          const int at = y * stride + x * f.pixel_bytes;
+          if (std::memcmp(&before[at], &after[at], f.pixel_bytes) != 0)
+            fail("colour written outside the hard clip", x, y);
+          if (f.depth) {
+            const int z = y * stride + f.width * f.pixel_bytes + x * 2;
+            if (std::memcmp(&before[z], &after[z], 2) != 0) fail("depth written outside the hard clip", x, y);
+          }
+        }
+      before = after;
+    }
+  }
+  module().destroy(r);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const std::int64_t start = (module(), OB_Live_Objects());
+  FuzzedDataProvider in(data, size);
+  fuzz(in);
+  if (OB_Live_Objects() != start) {
+    std::fprintf(stderr, "draw fuzzer: %lld host objects left behind\n",
+                 static_cast<long long>(OB_Live_Objects() - start));
+    std::abort();
+  }
+  return 0;
+}

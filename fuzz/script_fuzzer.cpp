@@ -1,0 +1,34 @@
+// Random scripts through the tarn-render session: a script may be wrong, and
+// then it is refused with a message, but it never crashes the tool, writes
+// out of bounds or leaks. Pictures go to a scratch directory.
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "tools/tarn-render/session.h"
+
+namespace {
+
+const std::string& scratch() {
+  static const std::string dir = [] {
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / "tarn-script-fuzzer";
+    std::filesystem::create_directories(path);
+    return path.string();
+  }();
+  return dir;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string text(reinterpret_cast<const char*>(data), size);
+  try {
+    const tarn_render::Script script = tarn_render::parse_script("fuzz", text);
+    tarn_render::Session session({TARN_MODULE_PATH, scratch()});
+    for (const tarn_render::Script_Line& line : script.lines) session.run(line);
+  } catch (const tarn_render::Script_Error&) {
+  } catch (const tarn_render::Tool_Failure&) {
+  }
+  return 0;
+}
