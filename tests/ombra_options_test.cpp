@@ -6,22 +6,6 @@
 
 namespace {
 
-TEST(OmbraOptions, ValuesAreReadStraightFromStorage) {
-  int target = 0;
-  const OT_Option flag(L"Flag", OT_Option_Enum::Instance, true), off(L"Off", OT_Option_Enum::Instance, false);
-  const OT_Option number(L"Number", OT_Option_Enum::Instance, -17);
-  const OT_Option color(L"Color", OT_Option_Enum::Shared, 1, 2, 300);
-  const OT_Option pointer(L"Pointer", OT_Option_Enum::Instance, static_cast<const void*>(&target));
-  EXPECT_EQ((std::vector<int>{flag.as_bool(), off.as_bool(), number.as_int(), color.as_color()[0],
-                              color.as_color()[1], color.as_color()[2]}),
-            (std::vector<int>{1, 0, -17, 1, 2, 300}));
-  EXPECT_EQ((std::vector<OT_Option_Type>{flag.type(), number.type(), color.type(), pointer.type()}),
-            (std::vector<OT_Option_Type>{OT_Option_Type::Bool, OT_Option_Type::Int, OT_Option_Type::Color,
-                                         OT_Option_Type::Pointer}));
-  EXPECT_EQ(pointer.as_pointer(), &target);
-  EXPECT_EQ(color.scope(), OT_Option_Enum::Shared);
-}
-
 TEST(OmbraOptionTable, AddOverwritesInPlaceAndCopiesKeepTheirOwnOptions) {
   OT_Option_Table table;
   const OT_Option source(L"Margin", OT_Option_Enum::Instance, 1);
