@@ -75,11 +75,7 @@ Images prefill(Renderer_Harness& a, Renderer_Harness& b, std::mt19937& random, i
 
 std::unique_ptr<Renderer_Harness> make_harness(const Mode_Case& mode) {
   auto h = std::make_unique<Renderer_Harness>(mode, kW, kH, OT_Int_XY{kX, kY});
-  OT_Option* option = h->renderer().requested_options.find(L"Use Mask");
-  option->set(OT_Option_Value::of_bool(true));
-  h->renderer().update_current_options();
-  h->renderer().establish();
-  h->clear();
+  h->use_mask(OT_Contour_Set());  // each face sets its own clip
   return h;
 }
 

@@ -9,33 +9,15 @@
 namespace tarn::testing {
 namespace {
 
-TEST(Module, LoadsByFileNameDrawsThroughTheSlotsAndUnloads) {
+// tarn-render loads the module and draws through it (tests/tool_render_test.cpp);
+// here the exports by name and the unloader.
+TEST(Module, FactoriesByBothNamesAndTheUnloader) {
   OT_Module module;
   std::string error;
   ASSERT_TRUE(module.open(TARN_MODULE_PATH, error)) << error;
   OT_Renderer_Data* renderer = module.create();
   ASSERT_NE(renderer, nullptr);
-  OT_Renderer_Options& options = renderer->requested_renderer_options;
-  options.set_window_size({32, 24});
-  options.set_color_system(OT_Color_System_Direct);
-  options.set_buffer_depth(0);
-  renderer->update_current_options();
-  EXPECT_EQ(renderer->establish_all(), 0);
-  OT_Rendition rendition = OT_Rendition::make_default(32, 24, options.palette());
-  rendition.writable_colors()->color = OT_RGB32::rgba(10, 20, 30);
-  renderer->clear_color(rendition);
-  const OT_DCI_Point strip[3] = {{10, 10, 0}, {14, 10, 0}, {10, 14, 0}};
-  renderer->draw_dci_polytriangle(rendition, 3, strip);
-  const auto* image = static_cast<const OT_Shared_Image_Data*>(
-      renderer->current_option_table()->find(L"Color Buffer")->as_pointer());
-  ASSERT_NE(image, nullptr);
-  auto pixel = [image](int x, int y) {
-    return reinterpret_cast<const std::uint32_t*>(image->device_rows[y])[x];
-  };
-  EXPECT_EQ(pixel(10, 13), OT_RGB32::rgba(10, 20, 30).word());
-  EXPECT_NE(pixel(14, 10), OT_RGB32::rgba(10, 20, 30).word());
   module.destroy(renderer);
-
   void* library = dlopen(TARN_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
   auto unload = reinterpret_cast<OT_Renderer_Unloader>(dlsym(library, "OB_Unload_Tarn_Renderer"));
