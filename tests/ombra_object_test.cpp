@@ -67,12 +67,10 @@ TEST(OmbraHandle, CopiesCountAndMakeUniqueStampsOrClones) {
   Probe* copy = make_unique(b);
   ASSERT_NE(copy, sole);
   EXPECT_EQ(b.get(), copy);
-  EXPECT_EQ(copy->value, 7);
-  EXPECT_EQ(copy->count.load(), 1u);
-  EXPECT_EQ(a->count.load(), 1u);
+  EXPECT_EQ((std::vector<std::uint32_t>{std::uint32_t(copy->value), copy->count.load(), a->count.load(),
+                                        a->serial, std::uint32_t(destroyed)}),
+            (std::vector<std::uint32_t>{7, 1, 1, serial, 0}));
   EXPECT_NE(copy->serial, serial);
-  EXPECT_EQ(a->serial, serial);
-  EXPECT_EQ(destroyed, 0);
   a.reset();
   EXPECT_EQ(destroyed, 1);
 }
@@ -85,9 +83,8 @@ TEST(OmbraImage, PitchAndDeviceRowsRunningBackwardsOverOneZeroedBlock) {
   for (const auto& [width, format, row_bytes, expected] : cases) {
     const OT_Shared_Image image(width, 3, format, row_bytes, nullptr, false);
     ASSERT_TRUE(image);
-    EXPECT_EQ(image->row_bytes, expected) << width << " " << format;
-    EXPECT_EQ(image->width, width);
-    EXPECT_EQ(image->format, format);
+    EXPECT_EQ((std::vector<int>{image->row_bytes, image->width, image->format}),
+              (std::vector<int>{expected, width, format}));
     for (int i = 0; i < 3; ++i) {
       EXPECT_EQ(image->top_rows[i], image->pixels + i * expected);
       EXPECT_EQ(image->device_rows[i], image->top_rows[2 - i]);
@@ -124,9 +121,9 @@ TEST(OmbraImage, FactoryMakesAnImageAndReleasesTheOldOne) {
   OT_Shared_Image slot = old;
   const OT_Image_Format format = OT_Image_Format_RGB32;
   OB_Standard_Image_Factory(nullptr, 12, 6, &format, &slot);
-  EXPECT_EQ(old->count.load(), 1u);
-  EXPECT_EQ(slot->count.load(), 1u);
-  EXPECT_EQ((std::vector<int>{slot->width, slot->height, slot->row_bytes}), (std::vector<int>{12, 6, 48}));
+  EXPECT_EQ((std::vector<int>{int(old->count.load()), int(slot->count.load()), slot->width, slot->height,
+                              slot->row_bytes}),
+            (std::vector<int>{1, 1, 12, 6, 48}));
 }
 
 }  // namespace

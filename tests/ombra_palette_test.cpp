@@ -50,18 +50,15 @@ TEST(OmbraCube, EveryByteAndThresholdStaysInsideTheCube) {
 
 TEST(OmbraPalette, DefaultPaletteIsClassicColoursCubeAndGreys) {
   const OT_Palette palette = OB_Default_Palette();
-  EXPECT_EQ(palette.color(0), OT_RGB32::rgba(0, 0, 0));
-  EXPECT_EQ(palette.color(7), OT_RGB32::rgba(192, 192, 192));
-  EXPECT_EQ(palette.color(9), OT_RGB32::rgba(255, 0, 0));
-  EXPECT_EQ(palette.color(15), OT_RGB32::rgba(255, 255, 255));
   ASSERT_NE(palette->color_cube, nullptr);
   EXPECT_EQ(palette->color_cube->base, 16u);
-  EXPECT_EQ(palette.color(16), OT_RGB32::rgba(0, 0, 0));
-  EXPECT_EQ(palette.color(16 + 36 * 1 + 6 * 2 + 3), OT_RGB32::rgba(51, 102, 153));
-  EXPECT_EQ(palette.color(16 + 36 * 5 + 6 * 0 + 4), OT_RGB32::rgba(255, 0, 204));
-  EXPECT_EQ(palette.color(231), OT_RGB32::rgba(255, 255, 255));
-  EXPECT_EQ(palette.color(232), OT_RGB32::rgba(8, 8, 8));
-  EXPECT_EQ(palette.color(255), OT_RGB32::rgba(238, 238, 238));
+  const std::pair<int, OT_RGB32> entries[] = {
+      {0, OT_RGB32::rgba(0, 0, 0)},       {7, OT_RGB32::rgba(192, 192, 192)},
+      {9, OT_RGB32::rgba(255, 0, 0)},     {15, OT_RGB32::rgba(255, 255, 255)},
+      {16, OT_RGB32::rgba(0, 0, 0)},      {67, OT_RGB32::rgba(51, 102, 153)},
+      {200, OT_RGB32::rgba(255, 0, 204)}, {231, OT_RGB32::rgba(255, 255, 255)},
+      {232, OT_RGB32::rgba(8, 8, 8)},     {255, OT_RGB32::rgba(238, 238, 238)}};
+  for (const auto& [index, color] : entries) EXPECT_EQ(palette.color(index), color) << index;
   // One shared record until a writer makes its own, cube and all.
   OT_Palette other = OB_Default_Palette();
   EXPECT_EQ(other.get(), palette.get());
@@ -96,14 +93,13 @@ TEST(OmbraPalette, CubePaletteHoldsTheCubeAndAGreyRampAroundIt) {
   const OT_Palette palette = OB_Cube_Palette(OT_Int_RGB{2, 2, 2}, 10);
   ASSERT_NE(palette->color_cube, nullptr);
   EXPECT_EQ(palette->color_cube->base, 10u);
-  EXPECT_EQ(palette.color(10), OT_RGB32::rgba(0, 0, 0));
-  EXPECT_EQ(palette.color(10 + 4 + 1), OT_RGB32::rgba(255, 0, 255));
-  EXPECT_EQ(palette.color(17), OT_RGB32::rgba(255, 255, 255));
-  // 248 entries around the cube: greys 0..255 in index order, rounded.
-  EXPECT_EQ(palette.color(0), OT_RGB32::rgba(0, 0, 0));
-  EXPECT_EQ(palette.color(9), OT_RGB32::rgba(9, 9, 9));
-  EXPECT_EQ(palette.color(18), OT_RGB32::rgba(10, 10, 10));
-  EXPECT_EQ(palette.color(255), OT_RGB32::rgba(255, 255, 255));
+  // The cube at 10..17; 248 entries around it: greys 0..255 in index order, rounded.
+  const std::pair<int, OT_RGB32> entries[] = {
+      {10, OT_RGB32::rgba(0, 0, 0)},       {15, OT_RGB32::rgba(255, 0, 255)},
+      {17, OT_RGB32::rgba(255, 255, 255)}, {0, OT_RGB32::rgba(0, 0, 0)},
+      {9, OT_RGB32::rgba(9, 9, 9)},        {18, OT_RGB32::rgba(10, 10, 10)},
+      {255, OT_RGB32::rgba(255, 255, 255)}};
+  for (const auto& [index, color] : entries) EXPECT_EQ(palette.color(index), color) << index;
 }
 
 }  // namespace

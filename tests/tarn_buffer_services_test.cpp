@@ -61,73 +61,79 @@ const Clear_Case kClearCases[] = {
     {"wholly_below", {0, 0}, {0, 5, -10, -1}, 1, 0, 0, 0, false},
 };
 
-class Clear : public ::testing::TestWithParam<Clear_Case> {};
+// Each test runs in both colour systems, with a depth buffer.
+class Buffers : public ::testing::TestWithParam<std::tuple<Mode_Case, Clear_Case>> {
+ protected:
+  const Mode_Case& mode() const { return std::get<0>(GetParam()); }
+};
 
-TEST_P(Clear, WritesExactlyTheClippedRectangleOfEachBuffer) {
-  const Clear_Case& c = GetParam();
-  for (const Mode_Case& mode : {kZRgb32, kZMapped}) {
-    Renderer_Harness h(mode, 13, 9, c.origin, kPadded);
-    OT_Rendition_Colors* colors = h.rendition().writable_colors();
-    colors->window_index = 0x5A;
-    colors->window_color = OT_RGB32{0x11, 0x22, 0x33, 0x44};
-    h.set_hard_clip(c.clip);
-    for (OT_Shared_Image_Data* image : {h.renderer().color_image.get(), h.renderer().depth_image.get()}) {
-      const bool depth = image->format == OT_Image_Format_Depth16;
-      // The depth clear takes the clip without a cut: only clips inside.
-      if (depth && (c.clip.left < c.origin.x || c.clip.bottom < c.origin.y ||
-                    c.clip.right > c.origin.x + 12 || c.clip.top > c.origin.y + 8))
-        continue;
-      std::memset(image->top_rows[0], 0xEE, std::size_t(image->row_bytes) * image->height);
-      std::vector<byte> expected = memory_of(*image);
-      const int size = size_of(*image);
-      const std::uint32_t value = depth ? 0xFFFF : mode.mapped() ? 0x5A : colors->window_color.word();
-      if (c.whole_rows) {
-        for (std::size_t i = offset(*image, c.t, 0); i < offset(*image, c.b, 0) + image->row_bytes; i += size)
-          put(&expected[i], value, size);
-      } else {
-        for (int y = c.b; y <= c.t; ++y)
-          for (int x = c.l; x <= c.r; ++x) put(&expected[offset(*image, y, x)], value, size);
-      }
-      if (depth)
-        h.renderer().clear_depth(h.rendition());
-      else
-        h.renderer().clear_color(h.rendition());
-      EXPECT_TRUE(memory_of(*image) == expected) << mode.name << (depth ? " depth" : " colour");
+TEST_P(Buffers, ClearWritesExactlyTheClippedRectangleOfEachBuffer) {
+  const Clear_Case& c = std::get<1>(GetParam());
+  Renderer_Harness h(mode(), 13, 9, c.origin, kPadded);
+  OT_Rendition_Colors* colors = h.rendition().writable_colors();
+  colors->window_index = 0x5A;
+  colors->window_color = OT_RGB32{0x11, 0x22, 0x33, 0x44};
+  h.set_hard_clip(c.clip);
+  for (OT_Shared_Image_Data* image : {h.renderer().color_image.get(), h.renderer().depth_image.get()}) {
+    const bool depth = image->format == OT_Image_Format_Depth16;
+    // The depth clear takes the clip without a cut: only clips inside.
+    if (depth && (c.clip.left < c.origin.x || c.clip.bottom < c.origin.y || c.clip.right > c.origin.x + 12 ||
+                  c.clip.top > c.origin.y + 8))
+      continue;
+    std::memset(image->top_rows[0], 0xEE, std::size_t(image->row_bytes) * image->height);
+    std::vector<byte> expected = memory_of(*image);
+    const int size = size_of(*image);
+    const std::uint32_t value = depth ? 0xFFFF : mode().mapped() ? 0x5A : colors->window_color.word();
+    if (c.whole_rows) {
+      for (std::size_t i = offset(*image, c.t, 0); i < offset(*image, c.b, 0) + image->row_bytes; i += size)
+        put(&expected[i], value, size);
+    } else {
+      for (int y = c.b; y <= c.t; ++y)
+        for (int x = c.l; x <= c.r; ++x) put(&expected[offset(*image, y, x)], value, size);
     }
+    if (depth)
+      h.renderer().clear_depth(h.rendition());
+    else
+      h.renderer().clear_color(h.rendition());
+    EXPECT_TRUE(memory_of(*image) == expected) << (depth ? "depth" : "colour");
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Buffer, Clear, ::testing::ValuesIn(kClearCases),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Clear, Buffers,
+                         ::testing::Combine(::testing::Values(kZRgb32, kZMapped),
+                                            ::testing::ValuesIn(kClearCases)),
+                         [](const auto& info) {
+                           return std::string(std::get<0>(info.param).name) + "_" +
+                                  std::get<1>(info.param).name;
+                         });
+
+class Buffer : public ::testing::TestWithParam<Mode_Case> {};
 
 // With a face pattern the host's rectangle fill takes the raw clip and
 // comes back through the triangle slot; the depth clear ignores it.
-TEST(Clear_Patterned, GoesToTheHostsRectangleFillWithTheRawClip) {
-  for (const Mode_Case& mode : {kZRgb32, kZMapped}) {
-    Renderer_Harness h(mode, 13, 9, {3, 7}, kPadded);
-    static std::vector<OT_DCI_Point> strip;
-    strip.clear();
-    h.renderer().draw_dci_polytriangle.function = [](OT_Renderer_Data*, const OT_Rendition&, int n,
-                                                     const OT_DCI_Point* p) { strip.assign(p, p + n); };
-    set_face_pattern(h.rendition(), 32);
-    const OT_Int_Rectangle clip{-3, 20, -2, 30};
-    h.set_hard_clip(clip);
-    const std::vector<byte> before = memory_of(*h.renderer().color_image);
-    h.renderer().clear_color(h.rendition());
-    EXPECT_TRUE(memory_of(*h.renderer().color_image) == before);
-    ASSERT_EQ(strip.size(), 4u);
-    const auto [x0, x1] = std::minmax({strip[0].x, strip[1].x, strip[2].x, strip[3].x});
-    const auto [y0, y1] = std::minmax({strip[0].y, strip[1].y, strip[2].y, strip[3].y});
-    EXPECT_EQ(x0, clip.left);
-    EXPECT_EQ(y0, clip.bottom);
-    EXPECT_TRUE(x1 == clip.right || x1 == clip.right + 1) << x1;
-    EXPECT_TRUE(y1 == clip.top || y1 == clip.top + 1) << y1;
-    h.poke_depth(5, 9, 7);
-    h.set_hard_clip({3, 15, 7, 15});
-    h.renderer().clear_depth(h.rendition());
-    EXPECT_EQ(h.depth(5, 9), 0xFFFF);
-    EXPECT_EQ(h.depth(15, 15), 0xFFFF);
-  }
+TEST_P(Buffer, PatternedClearGoesToTheHostsRectangleFillWithTheRawClip) {
+  Renderer_Harness h(GetParam(), 13, 9, {3, 7}, kPadded);
+  static std::vector<OT_DCI_Point> strip;
+  strip.clear();
+  h.renderer().draw_dci_polytriangle.function = [](OT_Renderer_Data*, const OT_Rendition&, int n,
+                                                   const OT_DCI_Point* p) { strip.assign(p, p + n); };
+  set_face_pattern(h.rendition(), 32);
+  const OT_Int_Rectangle clip{-3, 20, -2, 30};
+  h.set_hard_clip(clip);
+  const std::vector<byte> before = memory_of(*h.renderer().color_image);
+  h.renderer().clear_color(h.rendition());
+  EXPECT_TRUE(memory_of(*h.renderer().color_image) == before);
+  ASSERT_EQ(strip.size(), 4u);
+  const auto [x0, x1] = std::minmax({strip[0].x, strip[1].x, strip[2].x, strip[3].x});
+  const auto [y0, y1] = std::minmax({strip[0].y, strip[1].y, strip[2].y, strip[3].y});
+  EXPECT_EQ(std::pair(x0, y0), std::pair(clip.left, clip.bottom));
+  EXPECT_TRUE((x1 == clip.right || x1 == clip.right + 1) && (y1 == clip.top || y1 == clip.top + 1))
+      << x1 << " " << y1;
+  h.poke_depth(5, 9, 7);
+  h.set_hard_clip({3, 15, 7, 15});
+  h.renderer().clear_depth(h.rendition());
+  EXPECT_EQ(std::pair(h.depth(5, 9), h.depth(15, 15)),
+            (std::pair<std::uint16_t, std::uint16_t>(0xFFFF, 0xFFFF)));
 }
 
 // ---- Reads ---------------------------------------------------------------------------
@@ -142,61 +148,48 @@ void read(Renderer_Harness& h, bool depth, OT_DCI_Point first, OT_DCI_Point last
 
 // Native answers in the buffer's own format; a held image of that size and
 // format is reused, another one replaced; another buffer's format gives none.
-TEST(Read, FormatsAndHeldImages) {
-  for (const Mode_Case& mode : {kZRgb32, kZMapped})
-    for (bool depth : {false, true}) {
-      Renderer_Harness h(mode, 16, 12);
-      const OT_Image_Format own = depth           ? OT_Image_Format_Depth16
-                                  : mode.mapped() ? OT_Image_Format_Index8
-                                                  : OT_Image_Format_RGB32;
-      const OT_Image_Format other =
-          own == OT_Image_Format_Index8 ? OT_Image_Format_RGB32 : OT_Image_Format_Index8;
-      OT_Shared_Image image;
-      read(h, depth, {2, 7, 0}, {5, 3, 0}, OT_Image_Format_Native, image);
-      ASSERT_TRUE(image);
-      EXPECT_EQ(image->format, own);
-      EXPECT_EQ(image->width, 4);
-      EXPECT_EQ(image->height, 5);
-      const OT_Shared_Image held(4, 5, own, 0, nullptr, false);
-      image = held;
-      read(h, depth, {2, 7, 0}, {5, 3, 0}, own, image);
-      EXPECT_EQ(image.get(), held.get());
-      for (const OT_Shared_Image& wrong :
-           {OT_Shared_Image(5, 5, own, 0, nullptr, false), OT_Shared_Image(4, 5, other, 0, nullptr, false)}) {
-        image = wrong;
-        read(h, depth, {2, 7, 0}, {5, 3, 0}, OT_Image_Format_Native, image);
-        ASSERT_TRUE(image);
-        EXPECT_NE(image.get(), wrong.get());
-        EXPECT_EQ(image->format, own);
-        EXPECT_EQ(wrong->count.load(), 1u);
-      }
-      image = held;
-      read(h, depth, {2, 7, 0}, {5, 3, 0}, other, image);
-      EXPECT_FALSE(image);
-    }
-}
-
 // The mapped colour read and the depth reads copy without a clip from
 // first.y down to last.y, into rows w pixels apart.
-TEST(Read, UnclippedFormsCopyFromTheTopRowDown) {
-  for (const Mode_Case& mode : {kZMapped, kZRgb32})
-    for (bool depth : {false, true}) {
-      if (!depth && !mode.mapped()) continue;
-      Renderer_Harness h(mode, 16, 12, {3, 7}, kPadded);
-      OT_Shared_Image_Data& source = depth ? *h.renderer().depth_image : *h.renderer().color_image;
-      fill_pattern(source);
-      const int size = size_of(source);
-      const OT_Shared_Image held(4, 5, source.format, 4 * size + 8, nullptr, false);
-      std::memset(held->top_rows[0], 0xEE, std::size_t(held->row_bytes) * 5);
-      std::vector<byte> expected = memory_of(*held);
-      for (int row = 0; row < 5; ++row)
-        for (int i = 0; i < 4; ++i)
-          put(&expected[std::size_t((row * 4 + i) * size)], pattern(size, 2 + i, 7 - row), size);
-      OT_Shared_Image image = held;
-      read(h, depth, {5, 14, 0}, {8, 10, 0}, OT_Image_Format_Native, image);
-      ASSERT_EQ(image.get(), held.get());
-      EXPECT_TRUE(memory_of(*held) == expected) << mode.name << " " << depth;
+TEST_P(Buffer, ReadFormatsHeldImagesAndTheUnclippedCopy) {
+  for (bool depth : {false, true}) {
+    Renderer_Harness h(GetParam(), 16, 12, {3, 7}, kPadded);
+    OT_Shared_Image_Data& source = depth ? *h.renderer().depth_image : *h.renderer().color_image;
+    fill_pattern(source);
+    const OT_Image_Format own = source.format;
+    const OT_Image_Format other =
+        own == OT_Image_Format_Index8 ? OT_Image_Format_RGB32 : OT_Image_Format_Index8;
+    const OT_DCI_Point first{5, 14, 0}, last{8, 10, 0};
+    OT_Shared_Image image;
+    read(h, depth, first, last, OT_Image_Format_Native, image);
+    ASSERT_TRUE(image);
+    EXPECT_EQ((std::vector<int>{image->format, image->width, image->height}), (std::vector<int>{own, 4, 5}));
+    for (const OT_Shared_Image& wrong :
+         {OT_Shared_Image(5, 5, own, 0, nullptr, false), OT_Shared_Image(4, 5, other, 0, nullptr, false)}) {
+      image = wrong;
+      read(h, depth, first, last, OT_Image_Format_Native, image);
+      ASSERT_TRUE(image);
+      EXPECT_NE(image.get(), wrong.get());
+      EXPECT_EQ(image->format, own);
+      EXPECT_EQ(wrong->count.load(), 1u);
     }
+    const int size = size_of(source);
+    const OT_Shared_Image held(4, 5, own, 4 * size + 8, nullptr, false);
+    image = held;
+    read(h, depth, first, last, other, image);
+    EXPECT_FALSE(image);
+    std::memset(held->top_rows[0], 0xEE, std::size_t(held->row_bytes) * 5);
+    std::vector<byte> expected = memory_of(*held);
+    for (int row = 0; row < 5; ++row)
+      for (int i = 0; i < 4; ++i)
+        put(&expected[std::size_t((row * 4 + i) * size)], pattern(size, 2 + i, 7 - row), size);
+    image = held;
+    read(h, depth, first, last, own, image);
+    ASSERT_EQ(image.get(), held.get());
+    // The RGB32 read has cuts of its own, below.
+    if (depth || GetParam().mapped()) {
+      EXPECT_TRUE(memory_of(*held) == expected) << depth;
+    }
+  }
 }
 
 // A full-frame image holds the whole buffer and refreshes only the rows asked
@@ -254,7 +247,7 @@ TEST(Read, Rgb32ReadCopiesWhatTheCutsLeave) {
 
 // ---- Writing depth and the window update ----------------------------------------------
 
-TEST(Write_Depth, RowsFromFirstDownwardsCutOnTheRightOnly) {
+TEST_P(Buffer, WriteDepthRowsFromFirstDownwardsCutOnTheRightOnly) {
   const struct {
     OT_Int_XY origin;
     OT_DCI_Point first, last;
@@ -262,25 +255,23 @@ TEST(Write_Depth, RowsFromFirstDownwardsCutOnTheRightOnly) {
   } cases[] = {{{0, 0}, {2, 6, 0}, {5, 3, 0}, 7, 4, 2, 4},      {{0, 0}, {2, 6, 0}, {5, 3, 0}, -4, 4, 2, 4},
                {{3, 7}, {17, 12, 0}, {25, 11, 0}, 9, 2, 14, 2}, {{0, 0}, {15, 6, 0}, {18, 5, 0}, 4, 2, 15, 1},
                {{0, 0}, {16, 6, 0}, {18, 3, 0}, 4, 0, 0, 0},    {{0, 0}, {2, 3, 0}, {5, 6, 0}, 4, 1, 2, 4}};
-  for (const Mode_Case& mode : {kZRgb32, kZMapped})
-    for (const auto& c : cases) {
-      Renderer_Harness h(mode, 16, 12, c.origin, kPadded);
-      OT_Shared_Image_Data& depth = *h.renderer().depth_image;
-      std::memset(depth.top_rows[0], 0x11, std::size_t(depth.row_bytes) * depth.height);
-      const int stride = std::abs(c.row_pixels);
-      std::vector<std::uint16_t> data(std::size_t(stride) * 6);
-      for (std::size_t i = 0; i < data.size(); ++i) data[i] = std::uint16_t(0x4000 + i);
-      const int first_row = c.row_pixels < 0 ? 5 : 0;  // a negative pitch steps backwards
-      std::vector<byte> expected = memory_of(depth);
-      for (int n = 0; n < c.rows; ++n)
-        for (int i = 0; i < c.pixels; ++i)
-          put(&expected[offset(depth, c.first.y - c.origin.y - n, c.x + i)],
-              data[std::size_t((c.row_pixels < 0 ? first_row - n : n) * stride + i)], 2);
-      h.renderer().write_depth_rectangle(
-          h.rendition(), &c.first, &c.last, c.row_pixels * 2,
-          reinterpret_cast<const byte*>(&data[std::size_t(first_row * stride)]));
-      EXPECT_TRUE(memory_of(depth) == expected) << mode.name << " " << c.first.x << "," << c.first.y;
-    }
+  for (const auto& c : cases) {
+    Renderer_Harness h(GetParam(), 16, 12, c.origin, kPadded);
+    OT_Shared_Image_Data& depth = *h.renderer().depth_image;
+    std::memset(depth.top_rows[0], 0x11, std::size_t(depth.row_bytes) * depth.height);
+    const int stride = std::abs(c.row_pixels);
+    std::vector<std::uint16_t> data(std::size_t(stride) * 6);
+    for (std::size_t i = 0; i < data.size(); ++i) data[i] = std::uint16_t(0x4000 + i);
+    const int first_row = c.row_pixels < 0 ? 5 : 0;  // a negative pitch steps backwards
+    std::vector<byte> expected = memory_of(depth);
+    for (int n = 0; n < c.rows; ++n)
+      for (int i = 0; i < c.pixels; ++i)
+        put(&expected[offset(depth, c.first.y - c.origin.y - n, c.x + i)],
+            data[std::size_t((c.row_pixels < 0 ? first_row - n : n) * stride + i)], 2);
+    h.renderer().write_depth_rectangle(h.rendition(), &c.first, &c.last, c.row_pixels * 2,
+                                       reinterpret_cast<const byte*>(&data[std::size_t(first_row * stride)]));
+    EXPECT_TRUE(memory_of(depth) == expected) << c.first.x << "," << c.first.y;
+  }
 }
 
 TEST(Update, HandsTheRegionToTheWindowInItsDownwardRows) {
@@ -288,26 +279,24 @@ TEST(Update, HandsTheRegionToTheWindowInItsDownwardRows) {
                                      std::tuple{OT_Int_XY{-4, -9}, 6, 75}}) {
     Renderer_Harness h(kRgb32, 32, 100, origin);
     Software_Z_Buffer& r = h.renderer();
-    static std::vector<std::tuple<OT_DCI_Point, OT_DCI_Point, const OT_Shared_Image*, int, int>> calls;
+    static std::vector<std::vector<std::intptr_t>> calls;
     calls.clear();
     r.window_update.function = [](void*, const OT_DCI_Point* first, const OT_DCI_Point* last,
                                   const OT_Shared_Image* image, int x, int y) {
-      calls.push_back({*first, *last, image, x, y});
+      calls.push_back({first->x, first->y, last->x, last->y, reinterpret_cast<std::intptr_t>(image), x, y});
     };
     r.update(OT_Int_Rectangle{10, 20, 5, 15});
-    ASSERT_EQ(calls.size(), 1u);
-    const auto& [first, last, image, cx, cy] = calls[0];
-    EXPECT_EQ(std::tuple(first.x, first.y, last.x, last.y), std::tuple(10, 15, 20, 5));
-    EXPECT_EQ(image, &r.color_image);
-    EXPECT_EQ(cx, x);
-    EXPECT_EQ(cy, y);
     // The height is the window's at the time of the call.
     r.requested_renderer_options.set_window_size({32, 120});
     r.update_current_options();
     r.update(OT_Int_Rectangle{10, 20, 5, 15});
-    EXPECT_EQ(std::get<4>(calls.back()), y + 20);
+    const std::intptr_t image = reinterpret_cast<std::intptr_t>(&r.color_image);
+    EXPECT_EQ(calls, (std::vector<std::vector<std::intptr_t>>{{10, 15, 20, 5, image, x, y},
+                                                              {10, 15, 20, 5, image, x, y + 20}}));
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(ColourSystems, Buffer, ::testing::Values(kZRgb32, kZMapped), mode_name);
 
 }  // namespace
 }  // namespace tarn::testing

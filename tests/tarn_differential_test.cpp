@@ -36,20 +36,6 @@ int x_of(int i) { return kX + i % kW; }
 int y_of(int i) { return kY + i / kW; }
 int index_of(int x, int y) { return (y - kY) * kW + x - kX; }
 
-byte* color_address(Renderer_Harness& h, int x, int y) {
-  const OT_Shared_Image_Data& image = *h.renderer().color_image;
-  return image.device_rows[y - kY] + (x - kX) * (image.format == OT_Image_Format_Index8 ? 1 : 4);
-}
-void set_color(Renderer_Harness& h, int x, int y, std::uint32_t v) {
-  if (h.mode().mapped())
-    *color_address(h, x, y) = static_cast<byte>(v);
-  else
-    std::memcpy(color_address(h, x, y), &v, 4);
-}
-void set_depth(Renderer_Harness& h, int x, int y, std::uint16_t d) {
-  std::memcpy(h.renderer().depth_image->device_rows[y - kY] + (x - kX) * 2, &d, 2);
-}
-
 struct Images {
   std::vector<std::uint32_t> color;
   std::vector<std::uint16_t> depth;
@@ -61,12 +47,12 @@ Images grab(Renderer_Harness& h) {
 }
 void put(Renderer_Harness& h, const Images& images, bool color = true) {
   for (int i = 0; i < kW * kH; ++i) {
-    if (color) set_color(h, x_of(i), y_of(i), images.color[i]);
-    if (h.mode().depth()) set_depth(h, x_of(i), y_of(i), images.depth[i]);
+    if (color) h.poke(x_of(i), y_of(i), images.color[i]);
+    if (h.mode().depth()) h.poke_depth(x_of(i), y_of(i), images.depth[i]);
   }
 }
 void fill_color(Renderer_Harness& h, std::uint32_t v) {
-  for (int i = 0; i < kW * kH; ++i) set_color(h, x_of(i), y_of(i), v);
+  for (int i = 0; i < kW * kH; ++i) h.poke(x_of(i), y_of(i), v);
 }
 
 // The same random page in both renderers: half background (so that merge has
@@ -89,11 +75,7 @@ Images prefill(Renderer_Harness& a, Renderer_Harness& b, std::mt19937& random, i
 
 std::unique_ptr<Renderer_Harness> make_harness(const Mode_Case& mode) {
   auto h = std::make_unique<Renderer_Harness>(mode, kW, kH, OT_Int_XY{kX, kY});
-  OT_Option* option = h->renderer().requested_options.find(L"Use Mask");
-  option->set(OT_Option_Value::of_bool(true));
-  h->renderer().update_current_options();
-  h->renderer().establish();
-  h->clear();
+  h->use_mask(OT_Contour_Set());  // each face sets its own clip
   return h;
 }
 
@@ -161,8 +143,7 @@ OT_RGB32 random_color(std::mt19937& random, byte alpha) {
 // scale) << 8, plus 128; index = the sum of the levels of V + d, blue counting 1.
 byte addition_dither(Renderer_Harness& h, OT_RGB32 c, int x, int y) {
   const OT_Color_Cube& cube = h.renderer().cube;
-  const int d =
-      SHARED.dither[((y - kY) & 7) * 8 + (reinterpret_cast<std::uintptr_t>(color_address(h, x, y)) & 7)];
+  const int d = SHARED.dither[((y - kY) & 7) * 8 + (reinterpret_cast<std::uintptr_t>(h.address(x, y)) & 7)];
   auto level = [d](byte channel, int scale) {
     return ((static_cast<int>(channel) * scale << 8) + 128 + d) >> 16;
   };
@@ -251,13 +232,13 @@ void reference_triangle(Renderer_Harness& ref, Renderer_Harness& scratch, const 
     face.set_merge(ref, true);
     for (int i = 0, x = kX, y = kY; i < kW * kH; ++i, x = x_of(i), y = y_of(i)) {
       if (first.color[i] != second.color[i]) {
-        set_color(ref, x, y, before.color[i]);
+        ref.poke(x, y, before.color[i]);
         continue;
       }
       const bool main = face.kind_at(x, y) == Face::kMain;
       const byte index =
           main ? (color ? addition_dither(ref, *color, x, y) : face.index) : face.contrast_index;
-      set_color(ref, x, y, merge ? merged_index(ref, static_cast<byte>(before.color[i]), index) : index);
+      ref.poke(x, y, merge ? merged_index(ref, static_cast<byte>(before.color[i]), index) : index);
     }
   } else {
     // RGB32 opaque colorized crossing spans store plain, merge or not. The
@@ -273,7 +254,7 @@ void reference_triangle(Renderer_Harness& ref, Renderer_Harness& scratch, const 
     // With depth and alpha 0 the crossing span writes depth and leaves the
     // colour alone; the inside filler blends, which sets the alpha byte.
     for (int i = 0; !before.color.empty() && i < kW * kH; ++i)
-      if (face.kind_at(x_of(i), y_of(i)) == Face::kMain) set_color(ref, x_of(i), y_of(i), before.color[i]);
+      if (face.kind_at(x_of(i), y_of(i)) == Face::kMain) ref.poke(x_of(i), y_of(i), before.color[i]);
   }
   if (mode.depth() && face.solid() && !whole && !(tri[0].z == tri[1].z && tri[1].z == tri[2].z)) {
     // Depth from the unclamped span ends: on a span of two pixels the
@@ -451,8 +432,8 @@ void reference_segment(Renderer_Harness& ref, OT_DCI_Point a, OT_DCI_Point b) {
   const std::uint16_t depth = ref.mode().depth() ? ref.depth(b.x, b.y) : 0;
   OT_DCI_Point two[2] = {a, b};
   ref.renderer().draw_dci_polyline(ref.rendition(), 2, two);
-  set_color(ref, b.x, b.y, color);
-  if (ref.mode().depth()) set_depth(ref, b.x, b.y, depth);
+  ref.poke(b.x, b.y, color);
+  if (ref.mode().depth()) ref.poke_depth(b.x, b.y, depth);
 }
 
 // The final pixel of a polyline. Without depth it is the mode's writer (a
@@ -475,8 +456,8 @@ void reference_final_pixel(Renderer_Harness& ref, const Face& face, const OT_DCI
     v = ref.mode().alpha ? OT_RGB32::rgba(mix(old.r, c.r), mix(old.g, c.g), mix(old.b, c.b), 255).word()
                          : c.word();
   }
-  set_color(ref, p.x, p.y, v);
-  set_depth(ref, p.x, p.y, static_cast<std::uint16_t>(p.z));
+  ref.poke(p.x, p.y, v);
+  ref.poke_depth(p.x, p.y, static_cast<std::uint16_t>(p.z));
 }
 
 // The clip path of a polyline as the rules tell it: a last point that alone

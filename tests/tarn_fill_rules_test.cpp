@@ -17,12 +17,10 @@ constexpr OT_RGB32 kMagenta = OT_RGB32::rgba(255, 0, 255);
 // byte is never to be read.
 const byte kUserRows[3][3] = {{0x96, 0x95, 0xFF}, {0x2B, 0x46, 0x00}, {0xE1, 0xEC, 0x5A}};
 
-// What lands on a pixel whose pattern bit is clear or set: nothing, the
-// main or contrast colour stored, the main colour blended (exact form), the
-// main colour with its own alpha byte, or the AND of the colour and the
-// yellow under it (merge control).
-enum Ink { Keep, Main, Contrast, Blend, Raw, And_Main, And_Contrast };
-
+// What lands on a pixel whose pattern bit is clear or set, a letter each:
+// k nothing, m or c the main or contrast colour stored, b the main colour
+// blended (exact form), r the main colour with its own alpha byte, a or A
+// the AND of the main or contrast colour and the yellow under it (merge).
 struct Fill_Case {
   const char* name;
   int pattern;  // -1: a mixed stipple of the host's table
@@ -30,61 +28,31 @@ struct Fill_Case {
   int merge;   // 0 off, 1 write mode 20, 2 force_merge
   byte alpha;  // of the main colour
   bool alpha_path;
-  Ink ink[3][2];  // rgb32_alpha, rgb32, mapped: [clear bit, set bit]
+  const char* ink;  // rgb32_alpha, rgb32, mapped: clear bit, set bit
 };
 
 const Fill_Case kFillCases[] = {
-    {"solid", 64, 0, 0, 255, false, {{Main, Main}, {Main, Main}, {Main, Main}}},
-    {"solid_contrast_on", 64, 1, 0, 255, false, {{Main, Main}, {Main, Main}, {Main, Main}}},
-    {"solid_inverted", 64, 2, 0, 255, false, {{Keep, Keep}, {Keep, Keep}, {Keep, Keep}}},
-    {"solid_inverted_contrast",
-     64,
-     3,
-     0,
-     255,
-     false,
-     {{Contrast, Contrast}, {Contrast, Contrast}, {Contrast, Contrast}}},
-    {"empty", 0, 0, 0, 255, false, {{Keep, Keep}, {Keep, Keep}, {Keep, Keep}}},
-    {"empty_contrast",
-     0,
-     1,
-     0,
-     255,
-     false,
-     {{Contrast, Contrast}, {Contrast, Contrast}, {Contrast, Contrast}}},
-    {"empty_inverted", 0, 2, 0, 255, false, {{Main, Main}, {Main, Main}, {Main, Main}}},
-    {"user", 74, 0, 0, 255, false, {{Main, Keep}, {Main, Keep}, {Main, Keep}}},
-    {"user_contrast", 74, 1, 0, 255, false, {{Main, Contrast}, {Main, Contrast}, {Main, Contrast}}},
-    {"user_inverted", 74, 2, 0, 255, false, {{Keep, Main}, {Keep, Main}, {Keep, Main}}},
-    {"user_inverted_contrast", 74, 3, 0, 255, false, {{Contrast, Main}, {Contrast, Main}, {Contrast, Main}}},
-    {"stipple_contrast", -1, 1, 0, 255, false, {{Main, Contrast}, {Main, Contrast}, {Main, Contrast}}},
-    {"solid_merge", 64, 0, 1, 255, false, {{And_Main, And_Main}, {And_Main, And_Main}, {And_Main, And_Main}}},
-    {"solid_forced_merge",
-     64,
-     0,
-     2,
-     255,
-     false,
-     {{And_Main, And_Main}, {And_Main, And_Main}, {And_Main, And_Main}}},
+    {"solid", 64, 0, 0, 255, false, "mm mm mm"},
+    {"solid_contrast_on", 64, 1, 0, 255, false, "mm mm mm"},
+    {"solid_inverted", 64, 2, 0, 255, false, "kk kk kk"},
+    {"solid_inverted_contrast", 64, 3, 0, 255, false, "cc cc cc"},
+    {"empty", 0, 0, 0, 255, false, "kk kk kk"},
+    {"empty_contrast", 0, 1, 0, 255, false, "cc cc cc"},
+    {"empty_inverted", 0, 2, 0, 255, false, "mm mm mm"},
+    {"user", 74, 0, 0, 255, false, "mk mk mk"},
+    {"user_contrast", 74, 1, 0, 255, false, "mc mc mc"},
+    {"user_inverted", 74, 2, 0, 255, false, "km km km"},
+    {"user_inverted_contrast", 74, 3, 0, 255, false, "cm cm cm"},
+    {"stipple_contrast", -1, 1, 0, 255, false, "mc mc mc"},
+    {"solid_merge", 64, 0, 1, 255, false, "aa aa aa"},
+    {"solid_forced_merge", 64, 0, 2, 255, false, "aa aa aa"},
     // Merge makes the colour opaque; the mapped pattern path ignores merge.
-    {"translucent_merge",
-     64,
-     0,
-     1,
-     7,
-     false,
-     {{And_Main, And_Main}, {And_Main, And_Main}, {And_Main, And_Main}}},
-    {"user_merge",
-     74,
-     1,
-     1,
-     255,
-     false,
-     {{And_Main, And_Contrast}, {And_Main, And_Contrast}, {Main, Contrast}}},
-    {"translucent", 64, 0, 0, 128, false, {{Blend, Blend}, {Raw, Raw}, {Main, Main}}},
-    {"translucent_alpha_path", 64, 0, 0, 128, true, {{Blend, Blend}, {Blend, Blend}, {Main, Main}}},
-    {"translucent_user", 74, 1, 0, 128, false, {{Blend, Contrast}, {Raw, Contrast}, {Main, Contrast}}},
-    {"opaque_alpha_7", 64, 0, 0, 7, false, {{Blend, Blend}, {Raw, Raw}, {Main, Main}}},
+    {"translucent_merge", 64, 0, 1, 7, false, "aa aa aa"},
+    {"user_merge", 74, 1, 1, 255, false, "aA aA mc"},
+    {"translucent", 64, 0, 0, 128, false, "bb rr mm"},
+    {"translucent_alpha_path", 64, 0, 0, 128, true, "bb bb mm"},
+    {"translucent_user", 74, 1, 0, 128, false, "bc rc mc"},
+    {"opaque_alpha_7", 64, 0, 0, 7, false, "bb rr mm"},
 };
 
 // A stipple whose bits change both along a row and from row to row.
@@ -176,31 +144,29 @@ TEST_P(Fill_Rules, EveryPixelOfTheRectangleInEachModeWithAndWithoutDepth) {
                                                  : (under ? kYellow : kWhite).word();
         std::uint32_t want = old;
         if (x >= 4 && x < 41 && y >= 5 && y < 33) {
-          switch (c.ink[column][bit_at(bits, x, y, window, origin)]) {
-            case Keep:
+          const auto stored = [&](OT_RGB32 color) { return mode->mapped() ? index(color) : color.word(); };
+          const OT_RGB32 o = under ? kYellow : kWhite;
+          switch (c.ink[column * 3 + bit_at(bits, x, y, window, origin)]) {
+            case 'm':
+              want = stored(kCyan);
               break;
-            case Main:
-              want = mode->mapped() ? index(kCyan) : kCyan.word();
+            case 'c':
+              want = stored(kMagenta);
               break;
-            case Contrast:
-              want = mode->mapped() ? index(kMagenta) : kMagenta.word();
-              break;
-            case Raw:
+            case 'r':
               want = main.word();
               break;
-            case Blend: {
-              // (old * (255 - a) + colour * a) / 255 per channel.
-              const OT_RGB32 o = under ? kYellow : kWhite;
+            // (old * (255 - a) + colour * a) / 255 per channel.
+            case 'b':
               want = OT_RGB32::rgba(o.r * (255 - c.alpha) / 255, 255,
                                     (o.b * (255 - c.alpha) + 255 * c.alpha) / 255)
                          .word();
               break;
-            }
-            case And_Main:
-              want = under ? and_of(kYellow, kCyan) : (mode->mapped() ? index(kCyan) : kCyan.word());
+            case 'a':
+              want = under ? and_of(kYellow, kCyan) : stored(kCyan);
               break;
-            case And_Contrast:
-              want = under ? and_of(kYellow, kMagenta) : (mode->mapped() ? index(kMagenta) : kMagenta.word());
+            case 'A':
+              want = under ? and_of(kYellow, kMagenta) : stored(kMagenta);
               break;
           }
         }

@@ -9,33 +9,15 @@
 namespace tarn::testing {
 namespace {
 
-TEST(Module, LoadsByFileNameDrawsThroughTheSlotsAndUnloads) {
+// tarn-render loads the module and draws through it (tests/tool_render_test.cpp);
+// here the exports by name and the unloader.
+TEST(Module, FactoriesByBothNamesAndTheUnloader) {
   OT_Module module;
   std::string error;
   ASSERT_TRUE(module.open(TARN_MODULE_PATH, error)) << error;
   OT_Renderer_Data* renderer = module.create();
   ASSERT_NE(renderer, nullptr);
-  OT_Renderer_Options& options = renderer->requested_renderer_options;
-  options.set_window_size({32, 24});
-  options.set_color_system(OT_Color_System_Direct);
-  options.set_buffer_depth(0);
-  renderer->update_current_options();
-  EXPECT_EQ(renderer->establish_all(), 0);
-  OT_Rendition rendition = OT_Rendition::make_default(32, 24, options.palette());
-  rendition.writable_colors()->color = OT_RGB32::rgba(10, 20, 30);
-  renderer->clear_color(rendition);
-  const OT_DCI_Point strip[3] = {{10, 10, 0}, {14, 10, 0}, {10, 14, 0}};
-  renderer->draw_dci_polytriangle(rendition, 3, strip);
-  const auto* image = static_cast<const OT_Shared_Image_Data*>(
-      renderer->current_option_table()->find(L"Color Buffer")->as_pointer());
-  ASSERT_NE(image, nullptr);
-  auto pixel = [image](int x, int y) {
-    return reinterpret_cast<const std::uint32_t*>(image->device_rows[y])[x];
-  };
-  EXPECT_EQ(pixel(10, 13), OT_RGB32::rgba(10, 20, 30).word());
-  EXPECT_NE(pixel(14, 10), OT_RGB32::rgba(10, 20, 30).word());
   module.destroy(renderer);
-
   void* library = dlopen(TARN_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
   auto unload = reinterpret_cast<OT_Renderer_Unloader>(dlsym(library, "OB_Unload_Tarn_Renderer"));
@@ -68,61 +50,50 @@ void set_current(Software_Z_Buffer& r, const wchar_t* name, const OT_Option_Valu
 
 TEST(Establish, ConstructionDefaultsAndTheFirstEstablish) {
   Renderer_Pointer r = make_renderer();
-  EXPECT_FALSE(r->color_image);
-  EXPECT_FALSE(r->mask_cache);
-  EXPECT_EQ(r->depth_write, 1);
-  EXPECT_EQ(r->depth_test, 2);
-  EXPECT_EQ(r->merge_index, 255);
-  EXPECT_EQ(r->merge_alternate_index, 0);
+  EXPECT_FALSE(r->color_image || r->mask_cache);
+  EXPECT_EQ((std::vector<int>{r->depth_write, r->depth_test, r->merge_index, r->merge_alternate_index,
+                              r->force_merge}),
+            (std::vector<int>{1, 2, 255, 0, 0}));
   EXPECT_EQ(r->merge_color, (OT_RGB32{0, 0, 0, 253}));
   EXPECT_EQ(r->merge_alternate_color, (OT_RGB32{1, 0, 0, 253}));
-  EXPECT_EQ(r->force_merge, 0);
   r->requested_renderer_options.set_window_origin({3, -7});
   establish_in(*r, kZRgb32, {13, 9});
-  EXPECT_EQ(r->color_image->format, OT_Image_Format_RGB32);
-  EXPECT_EQ(r->depth_image->format, OT_Image_Format_Depth16);
-  EXPECT_EQ(r->color_image->width, 13);
-  EXPECT_EQ(r->depth_image->height, 9);
-  EXPECT_EQ(r->width, 13);
-  EXPECT_EQ(r->height, 9);
-  EXPECT_EQ(r->origin_x, 3);
-  EXPECT_EQ(r->origin_y, -7);
+  EXPECT_EQ((std::vector<int>{r->color_image->format, r->depth_image->format, r->color_image->width,
+                              r->depth_image->height, r->width, r->height, r->origin_x, r->origin_y}),
+            (std::vector<int>{OT_Image_Format_RGB32, OT_Image_Format_Depth16, 13, 9, 13, 9, 3, -7}));
   EXPECT_EQ(r->current_handles.color_buffer->as_pointer(), r->color_image.get());
   // White by default, its alternate one blue lower.
   EXPECT_EQ(r->merge_color, (OT_RGB32{255, 255, 255, 255}));
   EXPECT_EQ(r->merge_alternate_color, (OT_RGB32{254, 255, 255, 255}));
   r->requested_renderer_options.set_local_coordinates(true);
   establish_in(*r, kZRgb32, {13, 9});
-  EXPECT_EQ(r->origin_x, 0);
-  EXPECT_EQ(r->origin_y, 0);
+  EXPECT_EQ(std::pair(r->origin_x, r->origin_y), std::pair(0, 0));
 }
 
 TEST(Establish, SameSizeKeepsTheImagesNewSizeOrNoDepthReplacesThem) {
   for (const Mode_Case& mode : kAllModes) {
+    SCOPED_TRACE(mode.name);
     Renderer_Pointer r = make_renderer();
     establish_in(*r, mode);
     const OT_Shared_Image color = r->color_image, depth = r->depth_image;
     const OT_Option_Value_Data* value = r->current_handles.color_buffer->value().get();
     establish_in(*r, mode);
-    EXPECT_EQ(r->color_image.get(), color.get()) << mode.name;
-    EXPECT_EQ(r->depth_image.get(), depth.get()) << mode.name;
-    EXPECT_EQ(r->current_handles.color_buffer->value().get(), value) << mode.name;
+    EXPECT_EQ(r->color_image.get(), color.get());
+    EXPECT_EQ(r->depth_image.get(), depth.get());
+    EXPECT_EQ(r->current_handles.color_buffer->value().get(), value);
     for (OT_Int_XY size : {OT_Int_XY{32, 25}, OT_Int_XY{31, 25}}) {
       const OT_Shared_Image before = r->color_image, before_depth = r->depth_image;
       establish_in(*r, mode, size);
-      EXPECT_NE(r->color_image.get(), before.get()) << mode.name;
-      EXPECT_EQ(r->color_image->width, size.x);
-      EXPECT_EQ(r->color_image->height, size.y);
+      EXPECT_NE(r->color_image.get(), before.get());
+      EXPECT_EQ(std::pair(r->color_image->width, r->color_image->height), std::pair(size.x, size.y));
       EXPECT_EQ(r->current_handles.color_buffer->as_pointer(), r->color_image.get());
       if (mode.depth()) {
-        EXPECT_NE(r->depth_image.get(), before_depth.get()) << mode.name;
-      }
-      if (mode.depth()) {
+        EXPECT_NE(r->depth_image.get(), before_depth.get());
         EXPECT_EQ(r->depth_image->width, size.x);
       }
     }
     establish_in(*r, {"no_depth", 0, mode.color_system, mode.alpha}, {31, 25});
-    EXPECT_FALSE(r->depth_image) << mode.name;
+    EXPECT_FALSE(r->depth_image);
   }
 }
 
@@ -181,8 +152,7 @@ TEST(Establish, MaskCacheIsMadeOrAdoptedAndEmptiedEachTime) {
     const OT_Handle<Mask_Cache_Data> held(r.mask_cache.get());
     ASSERT_EQ(r.establish(), 0);
     EXPECT_EQ(r.mask_cache.get(), held.get());
-    EXPECT_EQ(held->mask_count, 0);
-    EXPECT_EQ(held->head, nullptr);
+    EXPECT_TRUE(held->mask_count == 0 && held->head == nullptr);
     set_current(r, L"Use Mask", OT_Option_Value::of_bool(false));
     ASSERT_EQ(r.establish(), 0);
     EXPECT_FALSE(r.mask_cache);
@@ -305,11 +275,13 @@ TEST(Options, AllEighteenInBothTablesWithTheCapabilityDefaults) {
     EXPECT_NE(r->requested_options.find(name), nullptr);
     EXPECT_NE(r->current_options.find(name), nullptr);
   }
-  EXPECT_EQ(r->current_options.find(L"Max Active Lights")->as_int(), 2147483647);
-  EXPECT_TRUE(r->current_options.find(L"Supports Advanced Lattice Rendering")->as_bool());
-  EXPECT_TRUE(r->current_options.find(L"No ISM Image Support")->as_bool());
-  EXPECT_FALSE(r->current_options.find(L"Supports Antialiased Lines")->as_bool());
-  EXPECT_EQ(r->current_options.find(L"Shadow Mapping Quality")->as_int(), 0);
+  auto current = [&r](const wchar_t* name) { return r->current_options.find(name); };
+  EXPECT_EQ(
+      (std::vector<int>{
+          current(L"Max Active Lights")->as_int(), current(L"Supports Advanced Lattice Rendering")->as_bool(),
+          current(L"No ISM Image Support")->as_bool(), current(L"Supports Antialiased Lines")->as_bool(),
+          current(L"Shadow Mapping Quality")->as_int()}),
+      (std::vector<int>{2147483647, 1, 1, 0, 0}));
   // A prototype's "Mask Cache" is kept with its scope and value.
   int shared_cache = 0;
   OT_Renderer_Data prototype(nullptr);

@@ -58,8 +58,7 @@ TEST_P(Lines, WideOrPatternedLinesGoToTheHost) {
     dots = 0;
     h.renderer().draw_dci_dot.function = [](OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                             const OT_RGB32*) { ++dots; };
-    if (way == 0) h.rendition().writable_line()->weight = 2;
-    if (way == 1) h.rendition().writable_line()->pattern = 3;
+    (way ? h.rendition().writable_line()->pattern : h.rendition().writable_line()->weight) = 2 + way;
     h.line({{1, 1, 0}, {20, 5, 0}});
     h.line_2di({{-10, 1, 0}, {20, 5, 0}});
     EXPECT_TRUE(h.drawn().empty());
@@ -67,9 +66,23 @@ TEST_P(Lines, WideOrPatternedLinesGoToTheHost) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllModes, Lines, ::testing::ValuesIn(kAllModes), mode_name);
-
-// ---- Writers ---------------------------------------------------------------------
+// Merge control merges every pixel, the final one too, in the modes
+// without depth; the depth walkers have no merge.
+TEST_P(Lines, MergeEveryPixelWithoutDepth) {
+  const Mode_Case& mode = GetParam();
+  Renderer_Harness h(mode);
+  h.set_color(OT_RGB32{0, 255, 255, 255}, 6);
+  h.line({{0, 5, 0}, {10, 5, 0}});
+  byte merged = byte(h.pixel(3, 5));
+  Merge_Mapped(h.renderer()).apply(&merged, 5);
+  h.rendition().writable_raster()->write_mode = 20;
+  h.set_color(OT_RGB32{255, 255, 0, mode.alpha && !mode.depth() ? byte(100) : byte(255)}, 5);
+  h.line({{0, 5, 0}, {10, 5, 0}});
+  const std::uint32_t plain = mode.mapped() ? 5u : OT_RGB32{255, 255, 0, 255}.word();
+  // Cyan AND yellow.
+  const std::uint32_t want = mode.depth() ? plain : mode.mapped() ? merged : OT_RGB32{0, 255, 0, 255}.word();
+  for (int x : {0, 3, 10}) EXPECT_EQ(h.pixel(x, 5), want) << x;
+}
 
 TEST(Line_Writers, BlendingWalkerUsesTheWeightFormOncePerPixelButTwiceOnAClosedStart) {
   for (const Mode_Case& mode : {kRgb32Alpha, kZRgb32Alpha}) {
@@ -77,10 +90,10 @@ TEST(Line_Writers, BlendingWalkerUsesTheWeightFormOncePerPixelButTwiceOnAClosedS
     h.set_color(OT_RGB32{200, 0, 0, 128}, 0);
     h.line({{10, 10, 5}, {30, 10, 5}, {30, 20, 5}, {10, 10, 5}});
     // Once: 0 + (200 * 128 >> 8) = 100; twice: 100 + (100 * 128 >> 8) = 150.
-    EXPECT_EQ(h.pixel(10, 10), (OT_RGB32{150, 0, 0, 255}.word())) << mode.name;
-    EXPECT_EQ(h.pixel(20, 10), (OT_RGB32{100, 0, 0, 255}.word())) << mode.name;
-    EXPECT_EQ(h.pixel(30, 10), (OT_RGB32{100, 0, 0, 255}.word())) << mode.name;
-    EXPECT_EQ(h.pixel(30, 15), (OT_RGB32{100, 0, 0, 255}.word())) << mode.name;
+    const std::uint32_t once = OT_RGB32{100, 0, 0, 255}.word();
+    EXPECT_EQ((std::vector{h.pixel(10, 10), h.pixel(20, 10), h.pixel(30, 10), h.pixel(30, 15)}),
+              (std::vector{OT_RGB32{150, 0, 0, 255}.word(), once, once, once}))
+        << mode.name;
     // Alpha 255 takes the opaque walker and keeps its alpha byte; 254
     // blends and leaves 255 in it.
     h.set_color(OT_RGB32{1, 2, 3, 255}, 0);
@@ -97,84 +110,58 @@ TEST(Line_Writers, BlendingWalkerUsesTheWeightFormOncePerPixelButTwiceOnAClosedS
   EXPECT_EQ(h.pixel(5, 0), (OT_RGB32{1, 2, 3, 7}.word()));
 }
 
-// Merge control merges every pixel, the final one too, in the modes
-// without depth; the depth walkers have no merge.
-TEST(Line_Writers, MergeEveryPixelWithoutDepth) {
-  for (const Mode_Case& mode : kAllModes) {
-    Renderer_Harness h(mode);
-    h.set_color(OT_RGB32{0, 255, 255, 255}, 6);
-    h.line({{0, 5, 0}, {10, 5, 0}});
-    const std::uint32_t before = h.pixel(3, 5);
-    h.rendition().writable_raster()->write_mode = 20;
-    h.set_color(OT_RGB32{255, 255, 0, mode.alpha && !mode.depth() ? byte(100) : byte(255)}, 5);
-    h.line({{0, 5, 0}, {10, 5, 0}});
-    std::uint32_t merged = before;
-    if (mode.mapped()) {
-      byte b = byte(before);
-      Merge_Mapped(h.renderer()).apply(&b, 5);
-      merged = b;
-    } else {
-      merged = OT_RGB32{0, 255, 0, 255}.word();  // cyan AND yellow
-    }
-    const std::uint32_t plain = mode.mapped() ? 5u : OT_RGB32{255, 255, 0, 255}.word();
-    for (int x : {0, 3, 10}) EXPECT_EQ(h.pixel(x, 5), mode.depth() ? plain : merged) << mode.name << " " << x;
-  }
-}
-
 // ---- Depth ------------------------------------------------------------------------
 
-TEST(Line_Depth, DepthStepsAlongTheMajorAxisWithoutBias) {
-  for (const Mode_Case& mode : {kZMapped, kZRgb32Alpha, kZRgb32}) {
-    Renderer_Harness h(mode);
-    h.rendition().writable_face()->depth_bias = 50;
-    h.line({{0, 0, 0}, {8, 2, 800}});    // shallow: 8 steps of 100
-    h.line({{20, 0, 0}, {21, 3, 300}});  // steep: 3 steps of 100
-    EXPECT_EQ(h.depth(0, 0), 0);
-    EXPECT_EQ(h.depth(1, 0), 100);
-    EXPECT_EQ(h.depth(4, 1), 400);
-    EXPECT_EQ(h.depth(8, 2), 800);
-    EXPECT_EQ(h.depth(20, 1), 100);
-    EXPECT_EQ(h.depth(21, 2), 200);
-  }
+class Line_Depth : public ::testing::TestWithParam<Mode_Case> {};
+
+TEST_P(Line_Depth, DepthStepsAlongTheMajorAxisWithoutBias) {
+  Renderer_Harness h(GetParam());
+  h.rendition().writable_face()->depth_bias = 50;
+  h.line({{0, 0, 0}, {8, 2, 800}});    // shallow: 8 steps of 100
+  h.line({{20, 0, 0}, {21, 3, 300}});  // steep: 3 steps of 100
+  EXPECT_EQ((std::vector<int>{h.depth(0, 0), h.depth(1, 0), h.depth(4, 1), h.depth(8, 2), h.depth(20, 1),
+                              h.depth(21, 2)}),
+            (std::vector<int>{0, 100, 400, 800, 100, 200}));
 }
 
 // The RGB32 depth walkers follow "ZBuffer Test" and "ZBuffer Write", the
 // mapped one neither; the final pixel follows at-or-below and always
 // writes its depth, in every depth form.
-TEST(Line_Depth, WalkersAndTheFinalPixelFollowTheirOwnRules) {
-  for (const Mode_Case& mode : {kZMapped, kZRgb32Alpha, kZRgb32}) {
-    Renderer_Harness h(mode);
-    h.set_depth_test(5);
-    h.line({{0, 0, 100}, {10, 0, 100}});
-    EXPECT_EQ(h.drawn(), (mode.mapped() ? rows_of({{0, {0, 10}}}) : Pixels{{10, 0}})) << mode.name;
-    EXPECT_EQ(h.depth(10, 0), 100);
-    h.set_depth_test(2);
-    h.set_depth_write(0);
-    h.line({{0, 2, 100}, {10, 2, 300}});
-    EXPECT_EQ(h.depth(5, 2), mode.mapped() ? 200 : 0xFFFF) << mode.name;
-    EXPECT_EQ(h.depth(10, 2), 300);
-    EXPECT_EQ(h.pixel(5, 2), h.drawn_value());
-    // Final pixel: z compared as a signed number, stored as 16 bits.
-    h.line({{0, 4, 5}, {10, 4, -1}});
-    EXPECT_EQ(h.depth(10, 4), 0xFFFF);
-    EXPECT_EQ(h.pixel(10, 4), h.drawn_value());
-    h.poke_depth(10, 6, 50);
-    h.poke_depth(10, 7, 50);
-    h.line({{0, 6, 5}, {10, 6, 51}});
-    h.line({{0, 7, 5}, {10, 7, 50}});
-    EXPECT_EQ(h.pixel(10, 6), h.clear_value());
-    EXPECT_EQ(h.pixel(10, 7), h.drawn_value());
-    // depth_enabled 0: no read, no write.
-    h.poke_depth(5, 8, 0);
-    h.rendition().writable_device()->depth_enabled = 0;
-    h.line({{0, 8, 7}, {10, 8, 7}});
-    EXPECT_EQ(h.depth(5, 8), 0);
-    EXPECT_EQ(h.depth(6, 8), 0xFFFF);
-    EXPECT_EQ(h.pixel(5, 8), h.drawn_value());
-  }
+TEST_P(Line_Depth, WalkersAndTheFinalPixelFollowTheirOwnRules) {
+  const Mode_Case& mode = GetParam();
+  Renderer_Harness h(mode);
+  h.set_depth_test(5);
+  h.line({{0, 0, 100}, {10, 0, 100}});
+  EXPECT_EQ(h.drawn(), (mode.mapped() ? rows_of({{0, {0, 10}}}) : Pixels{{10, 0}}));
+  EXPECT_EQ(h.depth(10, 0), 100);
+  h.set_depth_test(2);
+  h.set_depth_write(0);
+  h.line({{0, 2, 100}, {10, 2, 300}});
+  EXPECT_EQ(h.depth(5, 2), mode.mapped() ? 200 : 0xFFFF);
+  EXPECT_EQ(h.depth(10, 2), 300);
+  EXPECT_EQ(h.pixel(5, 2), h.drawn_value());
+  // Final pixel: z compared as a signed number, stored as 16 bits.
+  h.line({{0, 4, 5}, {10, 4, -1}});
+  EXPECT_EQ(h.depth(10, 4), 0xFFFF);
+  EXPECT_EQ(h.pixel(10, 4), h.drawn_value());
+  h.poke_depth(10, 6, 50);
+  h.poke_depth(10, 7, 50);
+  h.line({{0, 6, 5}, {10, 6, 51}});
+  h.line({{0, 7, 5}, {10, 7, 50}});
+  EXPECT_EQ(h.pixel(10, 6), h.clear_value());
+  EXPECT_EQ(h.pixel(10, 7), h.drawn_value());
+  // depth_enabled 0: no read, no write.
+  h.poke_depth(5, 8, 0);
+  h.rendition().writable_device()->depth_enabled = 0;
+  h.line({{0, 8, 7}, {10, 8, 7}});
+  EXPECT_EQ(h.depth(5, 8), 0);
+  EXPECT_EQ(h.depth(6, 8), 0xFFFF);
+  EXPECT_EQ(h.pixel(5, 8), h.drawn_value());
 }
 
-// ---- Clip path --------------------------------------------------------------------
+INSTANTIATE_TEST_SUITE_P(DepthModes, Line_Depth, ::testing::ValuesIn(kDepthModes), mode_name);
+
+// ---- Clip path (tests/tarn_differential_test.cpp compares random polylines) ----------
 
 constexpr int kWidth = 128, kHeight = 96;
 constexpr OT_Int_Rectangle kClip{24, 100, 16, 80};
@@ -183,53 +170,8 @@ bool inside(int x, int y) {
   return x >= kClip.left && x <= kClip.right && y >= kClip.bottom && y <= kClip.top;
 }
 
-// A fan of segments from inside points out to a ring of points beyond
-// every side and corner, both ways: every direction code but 7 crosses
-// both sides of the clip. Clipped and unclipped agree inside, in colour and
-// depth, and nothing lands outside.
-TEST(Line_Clip, ClippedSegmentsWriteWhatTheUnclippedWalkerWritesInside) {
-  for (const Mode_Case& mode : {kRgb32, kMapped, kZMapped, kZRgb32}) {
-    for (const OT_DCI_Point centre :
-         {OT_DCI_Point{60, 50, 0}, OT_DCI_Point{25, 78, 9}, OT_DCI_Point{0, 0, 0}}) {
-      for (int k = 0; k < 48; ++k) {
-        const int e = (k * 8) % 96;  // round the border of the window
-        const OT_DCI_Point far = k < 12   ? OT_DCI_Point{e, 0, 900}
-                                 : k < 24 ? OT_DCI_Point{127, e, 900}
-                                 : k < 36 ? OT_DCI_Point{127 - e, 95, 900}
-                                          : OT_DCI_Point{0, 95 - e, 900};
-        for (const Points& segment : {Points{centre, far}, Points{far, centre}}) {
-          if (direction_code(segment[1].x - segment[0].x, segment[1].y - segment[0].y) == 7) continue;
-          Renderer_Harness whole(mode, kWidth, kHeight), clipped(mode, kWidth, kHeight);
-          clipped.set_hard_clip(kClip);
-          whole.line(segment);
-          clipped.line_2di(segment);
-          for (int y = 0; y < kHeight; ++y)
-            for (int x = 0; x < kWidth; ++x) {
-              ASSERT_EQ(clipped.pixel(x, y), inside(x, y) ? whole.pixel(x, y) : clipped.clear_value())
-                  << mode.name << " (" << segment[0].x << "," << segment[0].y << ")-(" << segment[1].x << ","
-                  << segment[1].y << ") at " << x << "," << y;
-              if (mode.depth() && inside(x, y)) {
-                ASSERT_EQ(clipped.depth(x, y), whole.depth(x, y)) << x << "," << y;
-              }
-            }
-        }
-      }
-    }
-  }
-}
-
 // Down and to the left, steep: the clipped walker has no correction, and
 // row_at follows it; the drawn segment differs from the unclipped one.
-TEST(Line_Clip, OutcodesIncludeTheSidesOfTheRectangle) {
-  const OT_Int_Rectangle clip{100, 130, 60, 190};
-  const struct {
-    int x, y;
-    short code;
-  } cases[] = {{100, 60, 0},  {130, 190, 0}, {99, 100, 1}, {131, 100, 4},
-               {110, 191, 2}, {110, 59, 8},  {99, 191, 3}, {131, 59, 12}};
-  for (const auto& c : cases) EXPECT_EQ(local_outcode(clip, {c.x, c.y, 0}), c.code) << c.x << "," << c.y;
-}
-
 TEST(Line_Clip, CodeSevenTakesTheUncorrectedColumn) {
   const OT_DCI_Point a{140, 180, 0}, b{95, 60, 0};
   const Clip_Line line = make_clip_line(a, b);
@@ -238,68 +180,22 @@ TEST(Line_Clip, CodeSevenTakesTheUncorrectedColumn) {
   EXPECT_EQ(row_at(line, clip.right, clip), a.y - 1 + (((a.x - clip.right) << 16) - 0x8000) / line.step);
   EXPECT_EQ(row_at(line, clip.left, clip), a.y + (((a.x - clip.left) << 16) + 0x8000) / line.step);
   // The other steep codes with the same magnitudes have no such rows.
-  EXPECT_EQ(make_clip_line({10, 5, 0}, {12, 30, 0}).code, 16);
-  EXPECT_EQ(make_clip_line({10, 30, 0}, {12, 5, 0}).code, 10);
-  EXPECT_EQ(make_clip_line({12, 5, 0}, {10, 30, 0}).code, 13);
+  EXPECT_EQ(
+      (std::vector{make_clip_line({10, 5, 0}, {12, 30, 0}).code, make_clip_line({10, 30, 0}, {12, 5, 0}).code,
+                   make_clip_line({12, 5, 0}, {10, 30, 0}).code}),
+      (std::vector{16, 10, 13}));
 }
 
 // Segments whose outcodes share no bit but that pass a corner outside.
-TEST(Line_Clip, SegmentPassingACornerDrawsNothing) {
-  for (const Mode_Case& mode : kAllModes) {
-    Renderer_Harness h(mode, 256, 256);
-    const OT_Int_Rectangle clip{100, 130, 60, 190};
-    h.set_hard_clip(clip);
-    for (const Points& miss : {Points{{90, 180, 5}, {125, 220, 5}}, Points{{90, 70, 5}, {125, 30, 5}},
-                               Points{{105, 230, 5}, {140, 185, 5}}, Points{{105, 20, 5}, {140, 70, 5}}})
-      h.line_2di(miss);
-    EXPECT_TRUE(h.drawn().empty()) << mode.name;
-    h.line_2di({{90, 175, 5}, {125, 215, 5}});
-    EXPECT_FALSE(h.drawn().empty()) << mode.name;
-  }
-}
-
-// Where the clip path writes a point twice, and where once: seen through
-// the blend of the alpha mode.
-TEST(Line_Clip, RunsCrossingsAndTheLastPoint) {
-  Renderer_Harness h(kRgb32Alpha, kWidth, kHeight);
-  h.set_hard_clip(kClip);
-  h.set_color(OT_RGB32{200, 0, 0, 128}, 0);
-  const std::uint32_t once = OT_RGB32{100, 0, 0, 255}.word(), twice = OT_RGB32{150, 0, 0, 255}.word();
-  static std::vector<std::pair<int, int>> dots;
-  static decltype(h.renderer().draw_dci_dot) real_dot;
-  real_dot = h.renderer().draw_dci_dot;
-  h.renderer().draw_dci_dot.function = [](OT_Renderer_Data*, const OT_Rendition& rendition,
-                                          const OT_DCI_Point* p, const OT_RGB32* c) {
-    dots.push_back({p->x, p->y});
-    real_dot(rendition, p, c);
-  };
-  // Last point alone inside: written by the dot, before anything else.
-  dots.clear();
-  h.line_2di({{0, 30, 0}, {40, 30, 0}});
-  EXPECT_EQ(dots, (std::vector<std::pair<int, int>>{{40, 30}}));
-  EXPECT_EQ(h.pixel(40, 30), once);
-  EXPECT_EQ(h.pixel(24, 30), once);
-  EXPECT_EQ(h.pixel(23, 30), h.clear_value());
-  // An inside run going out: its last point twice. A point between two
-  // outside neighbours: once. The last two inside: no dot.
-  dots.clear();
-  h.line_2di({{30, 40, 0},
-              {50, 40, 0},
-              {50, 90, 0},
-              {60, 50, 0},
-              {70, 90, 0},
-              {0, 60, 0},
-              {40, 60, 0},
-              {46, 63, 0}});
-  EXPECT_TRUE(dots.empty());
-  EXPECT_EQ(h.pixel(30, 40), once);
-  EXPECT_EQ(h.pixel(50, 40), twice);
-  EXPECT_EQ(h.pixel(60, 50), once);
-  EXPECT_EQ(h.pixel(40, 60), once);
-  EXPECT_EQ(h.pixel(46, 63), once);
-  // All points beyond one side: nothing, no dot.
-  h.line_2di({{0, 0, 0}, {10, 50, 0}, {20, 90, 0}});
-  EXPECT_TRUE(dots.empty());
+TEST_P(Lines, SegmentPassingACornerDrawsNothing) {
+  Renderer_Harness h(GetParam(), 256, 256);
+  h.set_hard_clip({100, 130, 60, 190});
+  for (const Points& miss : {Points{{90, 180, 5}, {125, 220, 5}}, Points{{90, 70, 5}, {125, 30, 5}},
+                             Points{{105, 230, 5}, {140, 185, 5}}, Points{{105, 20, 5}, {140, 70, 5}}})
+    h.line_2di(miss);
+  EXPECT_TRUE(h.drawn().empty());
+  h.line_2di({{90, 175, 5}, {125, 215, 5}});
+  EXPECT_FALSE(h.drawn().empty());
 }
 
 // Lists of 64 and 65 points (fixed and allocated outcodes) give the pixels
@@ -312,45 +208,42 @@ TEST(Line_Clip, LongListsAgreeWithTheUnclippedWalk) {
     clipped.set_hard_clip(kClip);
     whole.line(zigzag);
     clipped.line_2di(zigzag);
-    for (int y = kClip.bottom; y <= kClip.top; ++y)
-      for (int x = kClip.left; x <= kClip.right; ++x)
-        ASSERT_EQ(clipped.pixel(x, y), whole.pixel(x, y)) << x << "," << y;
-    EXPECT_EQ(clipped.pixel(10, 10), clipped.clear_value());
+    for (int y = 0; y < kHeight; ++y)
+      for (int x = 0; x < kWidth; ++x)
+        ASSERT_EQ(clipped.pixel(x, y), inside(x, y) ? whole.pixel(x, y) : clipped.clear_value())
+            << x << "," << y;
   }
 }
 
 TEST(Line_Clip, FarEndsAreCutToTheLimitsFirst) {
   OT_DCI_Point out[2];
-  ASSERT_TRUE(clip_segment_to_limits({-100000, 5, 9}, {100, 5, 3}, out, false));
-  EXPECT_EQ(out[0].x, -4000);
-  EXPECT_EQ(out[0].y, 5);
-  EXPECT_EQ(out[0].z, 0);
-  EXPECT_EQ(out[1].x, 100);
-  EXPECT_EQ(out[1].z, 3);
-  ASSERT_TRUE(clip_segment_to_limits({-100000, 5, 9}, {100, 5, 3}, out, true));
-  EXPECT_EQ(out[0].z, 3);  // 9 - 6 * 96000 / 100100 = 3.25
-  ASSERT_TRUE(clip_segment_to_limits({-4000, 28760, 1}, {28760, -4000, 2}, out, false));
-  EXPECT_EQ(out[0].x, -4000);
-  EXPECT_EQ(out[1].y, -4000);
-  EXPECT_EQ(out[1].z, 2);
-  EXPECT_FALSE(clip_segment_to_limits({-5000, 0, 0}, {-4001, 10, 0}, out, false));
-  ASSERT_TRUE(clip_segment_to_limits({0, 30000, 0}, {0, -30000, 0}, out, false));
-  EXPECT_EQ(out[0].y, 28760);
-  EXPECT_EQ(out[1].y, -4000);
-  // Through the slot: points anywhere in 32 bits write only inside.
-  for (const Mode_Case& mode : kAllModes) {
-    Renderer_Harness h(mode, kWidth, kHeight);
-    h.set_hard_clip(kClip);
-    h.line_2di(
-        {{INT32_MIN, 40, 1}, {INT32_MAX, 41, 1}, {50, INT32_MIN, 1}, {-100000, 100000, 1}, {60, 50, 1}});
-    for (int y = 0; y < kHeight; ++y)
-      for (int x = 0; x < kWidth; ++x)
-        if (!inside(x, y)) {
-          ASSERT_EQ(h.pixel(x, y), h.clear_value()) << mode.name << " " << x << "," << y;
-        }
-    EXPECT_EQ(h.pixel(60, 50), h.drawn_value()) << mode.name;
-  }
+  auto cut = [&out](OT_DCI_Point a, OT_DCI_Point b, bool depth) {
+    return clip_segment_to_limits(a, b, out, depth)
+               ? std::vector{out[0].x, out[0].y, out[0].z, out[1].x, out[1].y, out[1].z}
+               : std::vector<int>{};
+  };
+  EXPECT_EQ(cut({-100000, 5, 9}, {100, 5, 3}, false), (std::vector{-4000, 5, 0, 100, 5, 3}));
+  EXPECT_EQ(cut({-100000, 5, 9}, {100, 5, 3}, true)[2], 3);  // 9 - 6 * 96000 / 100100 = 3.25
+  EXPECT_EQ(cut({-4000, 28760, 1}, {28760, -4000, 2}, false),
+            (std::vector{-4000, 28760, 1, 28760, -4000, 2}));
+  EXPECT_EQ(cut({-5000, 0, 0}, {-4001, 10, 0}, false), std::vector<int>{});
+  EXPECT_EQ(cut({0, 30000, 0}, {0, -30000, 0}, false), (std::vector{0, 28760, 0, 0, -4000, 0}));
 }
+
+// Points anywhere in 32 bits write only inside.
+TEST_P(Lines, ExtremePointsWriteOnlyInsideTheClip) {
+  Renderer_Harness h(GetParam(), kWidth, kHeight);
+  h.set_hard_clip(kClip);
+  h.line_2di({{INT32_MIN, 40, 1}, {INT32_MAX, 41, 1}, {50, INT32_MIN, 1}, {-100000, 100000, 1}, {60, 50, 1}});
+  for (int y = 0; y < kHeight; ++y)
+    for (int x = 0; x < kWidth; ++x)
+      if (!inside(x, y)) {
+        ASSERT_EQ(h.pixel(x, y), h.clear_value()) << x << "," << y;
+      }
+  EXPECT_EQ(h.pixel(60, 50), h.drawn_value());
+}
+
+INSTANTIATE_TEST_SUITE_P(AllModes, Lines, ::testing::ValuesIn(kAllModes), mode_name);
 
 }  // namespace
 }  // namespace tarn::testing

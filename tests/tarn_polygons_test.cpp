@@ -47,15 +47,14 @@ void record_colorized(OT_Renderer_Data* o, const OT_Rendition& r, int n, const P
 // The polytriangle slots of a z_rgb32 renderer, recorded.
 struct Recording : Renderer_Harness {
   Recording() : Renderer_Harness(kZRgb32) {
-    Software_Z_Buffer& r = renderer();
-    r.draw_2d_polytriangle.function = record<d2, OT_Point>;
-    r.draw_dc_polytriangle.function = record<dc, OT_Point>;
-    r.draw_2di_polytriangle.function = record<d2i, OT_DCI_Point>;
-    r.draw_dci_polytriangle.function = record<dci, OT_DCI_Point>;
-    r.draw_2d_colorized_polytriangle.function = record_colorized<d2, OT_Point>;
-    r.draw_dc_colorized_polytriangle.function = record_colorized<dc, OT_Point>;
-    r.draw_2di_colorized_polytriangle.function = record_colorized<d2i, OT_DCI_Point>;
-    r.draw_dci_colorized_polytriangle.function = record_colorized<dci, OT_DCI_Point>;
+#define TARN_RECORD(form, slot, Point)                                  \
+  renderer().draw_##form##_polytriangle.function = record<slot, Point>; \
+  renderer().draw_##form##_colorized_polytriangle.function = record_colorized<slot, Point>;
+    TARN_RECORD(2d, d2, OT_Point)
+    TARN_RECORD(dc, dc, OT_Point)
+    TARN_RECORD(2di, d2i, OT_DCI_Point)
+    TARN_RECORD(dci, dci, OT_DCI_Point)
+#undef TARN_RECORD
     calls.clear();
   }
 };
@@ -81,10 +80,8 @@ double area(const Xyz& p) {
 void expect_triangulated(Slot slot, const OT_RGB32* color, double expected_area) {
   double sum = 0;
   for (const Call& c : calls) {
-    EXPECT_EQ(c.slot, slot);
-    EXPECT_EQ(c.color, color);
-    EXPECT_EQ(c.single, color != nullptr);
-    EXPECT_EQ(c.points.size(), 3u);
+    EXPECT_EQ(std::tuple(c.slot, c.color, c.single, c.points.size()),
+              std::tuple(slot, color, color != nullptr, 3u));
     sum += area(c.points);
   }
   EXPECT_NEAR(sum, expected_area, 1e-6 * expected_area);
@@ -138,17 +135,15 @@ TEST(Polygons, ConvexFloatPolygonsUpToSixtyFourAreOneStripFromBothEnds) {
 
 TEST(Polygons, ConcaveFloatAndAnyIntegerPolygonGoThroughTheTriangulatorToTheFloatSlots) {
   ASSERT_NE(OB_Rank_Polygon(4, kArrow.data()), OT_Polygon_Rank_Convex);
-  for (Slot form : {d2, dc}) {
+  for (Slot form : {d2, dc, d2i, dci}) {
     Recording h;
-    polygon(h, form, kArrow, nullptr);
+    const bool floats = form <= dc;
+    polygon(h, form, floats ? kArrow : kSquare, floats ? nullptr : &kGreen);
     EXPECT_EQ(calls.size(), 2u);
-    expect_triangulated(form, nullptr, area(xyz(kArrow)));
-  }
-  for (Slot form : {d2i, dci}) {
-    Recording h;
-    polygon(h, form, kSquare, &kGreen);
-    EXPECT_EQ(calls.size(), 2u);
-    expect_triangulated(form == d2i ? d2 : dc, &kGreen, 400);
+    expect_triangulated(form == d2i   ? d2
+                        : form == dci ? dc
+                                      : form,
+                        floats ? nullptr : &kGreen, floats ? 200 : 400);
   }
 }
 
@@ -183,8 +178,8 @@ TEST(Polygons, EdgeDepthBiasReachesTheTrianglesOfTheFloatFormsOnly) {
     real.renderer().edge_depth_bias = 1000;
     const std::vector<OT_Point> square{{10, 10, 500}, {30, 10, 500}, {30, 30, 500}, {10, 30, 500}};
     polygon(real, d2, square, nullptr);
-    EXPECT_EQ(real.depth(20, 20), 1500);
-    EXPECT_EQ(real.depth(30, 20), 0xFFFF);
+    EXPECT_EQ(std::pair(real.depth(20, 20), real.depth(30, 20)),
+              (std::pair<std::uint16_t, std::uint16_t>(1500, 0xFFFF)));
     polygon(real, d2i, square, nullptr);
     EXPECT_EQ(real.depth(10, 10), 500);
   }

@@ -37,6 +37,7 @@ inline const Mode_Case& kMapped = kAllModes[2];
 inline const Mode_Case& kZMapped = kAllModes[3];
 inline const Mode_Case& kZRgb32Alpha = kAllModes[4];
 inline const Mode_Case& kZRgb32 = kAllModes[5];
+inline const Mode_Case kDepthModes[] = {kAllModes[3], kAllModes[4], kAllModes[5]};
 
 inline std::string mode_name(const ::testing::TestParamInfo<Mode_Case>& info) { return info.param.name; }
 

@@ -16,15 +16,6 @@ bool inside(int x, int y) {
 
 class Clip_Path : public ::testing::TestWithParam<Mode_Case> {};
 
-TEST_P(Clip_Path, ListsWhollyOutsideDrawNothing) {
-  Renderer_Harness h(GetParam(), kWidth, kHeight);
-  h.set_hard_clip(kClip);
-  h.draw_2di({{0, 0, 0}, {20, 0, 0}, {0, 15, 0}, {20, 15, 0}});
-  h.draw_2di({{110, 10, 0}, {127, 10, 0}, {115, 95, 0}});
-  h.draw_2di({{30, 81, 0}, {90, 81, 0}, {60, 95, 0}});
-  EXPECT_TRUE(h.drawn().empty());
-}
-
 // Images with guard bytes on both sides, to catch a write outside.
 struct Guarded_Images {
   static constexpr std::size_t kGuard = 4096;

@@ -338,18 +338,4 @@ TEST_F(Tool, TheExamplesRender) {
   EXPECT_TRUE(read_png(out / "demo-depth.png").sixteen_bits);
 }
 
-TEST_F(Tool, EverySlotOfTheTableIsACommand) {
-  const Outcome result = run({"--list"});
-  ASSERT_EQ(result.status, 0) << result.err;
-  const std::vector<std::string> lines = lines_of(result.out);
-  std::vector<std::string> slots;
-  for (const std::string& line : lines)
-    if (line.starts_with("slot ")) slots.push_back(line.substr(5));
-#define TARN_TEST_SLOT_NAME(name, ...) #name,
-  EXPECT_EQ(slots, (std::vector<std::string>{OT_ACTION_SLOTS(TARN_TEST_SLOT_NAME)}));
-#undef TARN_TEST_SLOT_NAME
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "command probe"), lines.end());
-  EXPECT_NE(std::find(lines.begin(), lines.end(), "set colors.color R G B A"), lines.end());
-}
-
 }  // namespace
