@@ -140,6 +140,9 @@ void with_colorized_form(const Software_Z_Buffer& r, const OT_Rendition& renditi
 template <class Mode>
 void clipped_colorized(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                        const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  // A list without colours is the host's, which draws it in the rendition's.
+  if (!colors)
+    return OB_Standard_Draw_2DI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   if constexpr (Mode::kAlpha) {
     if (single_color && colors[0].a > 254)
       return clipped_colorized<typename Mode::Opaque>(object, rendition, count, points, colors, single_color);

@@ -60,6 +60,9 @@ void dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
 template <class Mode>
 void dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                             const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+  // A list without colours is the host's, which draws it in the rendition's.
+  if (!colors)
+    return OB_Standard_Draw_DCI_Colorized_Polyline(object, rendition, count, points, colors, single_color);
   dci_lines<Mode>(object, rendition, count, points, Color_Paint{colors, single_color});
 }
 

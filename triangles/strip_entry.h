@@ -139,9 +139,15 @@ void shaded_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
   constexpr bool kDCI = std::is_same_v<Form, Form_DCI>;
   constexpr bool kOutlineFirst = kOutlines<Mode> && (k2DI || (kGouraud && kDCI));
   constexpr bool kOutlineSecond = kOutlines<Mode> && kDCI && !kGouraud;
-  // A Gouraud list without colours is the host's, which draws it flat.
-  if constexpr (kGouraud && kPassed == kPassedMergeOff) {
-    if (!colors) return host_gouraud<Form>(object, rendition, count, points, colors);
+  // A list without colours is the host's, which draws it in the rendition's
+  // colour. (Only the actions themselves can be given one.)
+  if constexpr (kPassed == (kGouraud ? kPassedMergeOff : kPassedNone)) {
+    if (!colors) {
+      if constexpr (kGouraud)
+        return host_gouraud<Form>(object, rendition, count, points, colors);
+      else
+        return host_colorized<Form>(object, rendition, count, points, colors, single_color);
+    }
   }
   if constexpr (kOutlineFirst && !(kPassed & kPassedOutline)) {
     if (outline_asked(rendition)) return draw_strip_outline(object, rendition, count, points);
