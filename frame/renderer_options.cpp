@@ -40,8 +40,10 @@ void install_depth_setters(OT_Option_Table& current) {
     make_unique(option->value())->storage.as_pointer = reinterpret_cast<const void*>(test);
 }
 
-void set_depth_write(Software_Z_Buffer* renderer, byte value) { renderer->depth_write = value; }
+void set_depth_write(OT_Renderer_Data* renderer, byte value) { renderer_of(renderer).depth_write = value; }
 
-void set_depth_test(Software_Z_Buffer* renderer, const int* value) { renderer->depth_test = *value; }
+void set_depth_test(OT_Renderer_Data* renderer, const int* value) {
+  renderer_of(renderer).depth_test = *value;
+}
 
 }  // namespace tarn

@@ -17,11 +17,12 @@ void install_depth_setters(OT_Option_Table& current);
 
 // The setters a client finds in the current table and calls between
 // primitives: the first takes its byte by value, the second its int through a
-// pointer.
-void set_depth_write(Software_Z_Buffer* renderer, byte value);
-void set_depth_test(Software_Z_Buffer* renderer, const int* value);
+// pointer. They take the host's renderer type, as clients call them through
+// it.
+void set_depth_write(OT_Renderer_Data* renderer, byte value);
+void set_depth_test(OT_Renderer_Data* renderer, const int* value);
 
-using Depth_Write_Setter = void (*)(Software_Z_Buffer*, byte);
-using Depth_Test_Setter = void (*)(Software_Z_Buffer*, const int*);
+using Depth_Write_Setter = void (*)(OT_Renderer_Data*, byte);
+using Depth_Test_Setter = void (*)(OT_Renderer_Data*, const int*);
 
 }  // namespace tarn

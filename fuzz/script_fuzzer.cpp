@@ -1,6 +1,8 @@
 // Random scripts through the tarn-render session: a script may be wrong, and
 // then it is refused with a message, but it never crashes the tool, writes
 // out of bounds or leaks. Pictures go to a scratch directory.
+#include <dlfcn.h>
+
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -22,6 +24,10 @@ const std::string& scratch() {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  // Each session opens and closes the module; one more handle, never closed,
+  // keeps it mapped, with the coverage counters the fuzzer reads.
+  static void* const keep_loaded = dlopen(TARN_MODULE_PATH, RTLD_NOW);
+  (void)keep_loaded;
   const std::string text(reinterpret_cast<const char*>(data), size);
   try {
     const tarn_render::Script script = tarn_render::parse_script("fuzz", text);

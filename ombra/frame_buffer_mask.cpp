@@ -83,7 +83,10 @@ void Frame_Buffer_Mask::clear_and_rasterize_mask(const OT_Contour_Set& region) {
         const OT_Point& b = set.points[std::size_t(i + 1 < end ? i + 1 : begin)];
         const double low = std::min(a.y, b.y), high = std::max(a.y, b.y);
         if (!(y >= low && y < high)) continue;
-        crossings.push_back(a.x + (y - a.y) * (double(b.x) - a.x) / (double(b.y) - a.y));
+        const double x = a.x + (y - a.y) * (double(b.x) - a.x) / (double(b.y) - a.y);
+        // An edge with a NaN end crosses nowhere: a NaN would neither sort nor
+        // convert to a column.
+        if (!std::isnan(x)) crossings.push_back(x);
       }
     }
     std::sort(crossings.begin(), crossings.end());
