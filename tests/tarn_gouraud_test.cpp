@@ -52,6 +52,16 @@ TEST_P(Rgb32_Modes, SpansOfWidthOneTwoAndMore) {
   }
   for (const auto& [x, y] : {std::pair{1, 2}, {1, 3}, {2, 0}, {0, 4}, {18, 0}, {10, 8}})
     EXPECT_EQ(h.pixel(x, y), h.clear_value()) << x << "," << y;
+
+  // A long span: 0 to 251 over 100 pixels steps by 251 * 65536 / 100
+  // truncated to 164495, from 0x8000. Pixel 50 sits 18/65536 below 126, and
+  // the last still reaches 248, where 0.5 + 99 * 2.51 lies: no drift.
+  Renderer_Harness wide(GetParam(), 128, 8);
+  gouraud(wide, {{0, 0, 0}, {100, 0, 251}, {0, 2, 0}}, {red(0), red(251), red(0)});
+  EXPECT_EQ(wide.pixel(0, 0), red(0).word());
+  EXPECT_EQ(wide.pixel(50, 0), red(125).word());
+  EXPECT_EQ(wide.pixel(99, 0), red(248).word());
+  EXPECT_EQ(wide.pixel(100, 0), wide.clear_value());
 }
 
 // Mapped, worked by hand in the dither's fixed point (red level = V >> 16,
