@@ -183,7 +183,18 @@ void fuzz(FuzzedDataProvider& in) {
       }
       const bool single = in.ConsumeBool();
       const OT_RGB32* c = n > 0 ? shades.data() : nullptr;
-      switch (in.ConsumeIntegralInRange(0, 17)) {
+      const int slot = in.ConsumeIntegralInRange(0, 17);
+      // TARN_FUZZ_VERBOSE=1 prints each call, to turn a finding into a test.
+      static const bool verbose = std::getenv("TARN_FUZZ_VERBOSE") != nullptr;
+      if (verbose) {
+        std::fprintf(stderr, "mode depth=%d mapped=%d alpha=%d window %dx%d at (%d,%d) clip %d %d %d %d\n",
+                     depth, mapped, alpha, f.width, f.height, origin.x, origin.y, clip.left, clip.right,
+                     clip.bottom, clip.top);
+        std::fprintf(stderr, "call %d, %d points, single %d:", slot, n, single);
+        for (const OT_DCI_Point& p : ints) std::fprintf(stderr, " (%d %d %d)", p.x, p.y, p.z);
+        std::fprintf(stderr, "\n");
+      }
+      switch (slot) {
         case 0:
           r->draw_2di_polytriangle(rendition, n, ints.data());
           break;

@@ -85,7 +85,13 @@ template <class Plot, class Clip>
     if constexpr (Clip::kClipped) attributes.skip(k);
   };
   auto put = [&](std::int32_t x, std::int32_t y) {
-    plot(x - clip.origin_x, y - clip.origin_y, attributes.next());
+    const auto value = attributes.next();
+    // The rows of a clipped steep segment may still reach a column beside a
+    // narrow rectangle: such a pixel is stepped over, never written.
+    if constexpr (Clip::kClipped) {
+      if (!clip.holds(x, y)) return;
+    }
+    plot(x - clip.origin_x, y - clip.origin_y, value);
   };
   // Where a walk along one axis enters and leaves [low, high], by direction.
   auto enter = [](std::int32_t v, std::int32_t s, std::int32_t low, std::int32_t high) {

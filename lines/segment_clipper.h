@@ -15,10 +15,9 @@ namespace tarn {
 bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI_Point out[2],
                             bool keep_depth);
 
-// The sibling for lines with colours: the differences are formed as 32-bit
-// integers (wrapping), z is always kept, and with colours (two, or null for
-// none) out_colors gets the ends' colours, cut ends interpolated in red,
-// green and blue.
+// The sibling for lines with colours: z is always kept, and with colours
+// (two, or null for none) out_colors gets the ends' colours, cut ends
+// interpolated in red, green and blue.
 bool clip_segment_and_colors_to_limits(const OT_DCI_Point* points, OT_DCI_Point out[2],
                                        const OT_RGB32* colors, OT_RGB32* out_colors);
 
@@ -80,6 +79,9 @@ struct Clipped_Segment {
         start_code(start),
         end_code(end) {}
   static std::int32_t column(std::uint32_t pos) { return static_cast<std::int32_t>(pos) >> 16; }
+  bool holds(std::int32_t x, std::int32_t y) const {
+    return x >= left && x <= right && y >= bottom && y <= top;
+  }
   bool rows(const OT_DCI_Point& a, const OT_DCI_Point& b, Clip_Rows& out) const {
     return clip_rows(make_clip_line(a, b), b, start_code, end_code, clip, out);
   }
