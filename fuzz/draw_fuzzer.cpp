@@ -145,8 +145,16 @@ void fuzz(FuzzedDataProvider& in) {
       device->complex_clip = OT_Contour_Set(int(polygon.size()), polygon.data(), true);
     }
     OT_Rendition_Face* face = rendition.writable_face();
-    static const std::int32_t patterns[] = {64, 64, 0, 1, 17, 40, 63, 73, 75, 90};
-    face->pattern = patterns[in.ConsumeIntegralInRange(0, 9)];
+    static const std::int32_t patterns[] = {64, 64, 0, 1, 17, 40, 63, 73, 74, 75, 90};
+    face->pattern = patterns[in.ConsumeIntegralInRange(0, 10)];
+    if (face->pattern == 74 && in.ConsumeBool()) {
+      // A user pattern of up to 20 x 6, or one with no rows.
+      const int width = in.ConsumeIntegralInRange(0, 20), height = in.ConsumeIntegralInRange(0, 6);
+      const std::vector<byte> rows = in.ConsumeBytes<byte>(std::size_t((width + 7) / 8 * height));
+      if (rows.size() == std::size_t((width + 7) / 8 * height))
+        face->user_pattern =
+            OT_User_Pattern(new OT_User_Pattern_Data(width, height, rows.data(), (width + 7) / 8));
+    }
     face->depth_bias = in.ConsumeIntegralInRange(-70000, 70000);
     OT_Rendition_Raster* raster = rendition.writable_raster();
     raster->stipple_flags = in.ConsumeIntegralInRange(0, 3);

@@ -13,7 +13,10 @@ namespace {
 // v >= 0: v + 0.5 truncated; else v - 0.49999999999 truncated.
 std::int32_t rnd(double v) { return round_double(v); }
 
-std::int32_t clamp_to_limits(std::int32_t v) { return std::clamp(v, kLineLimitLow, kLineLimitHigh); }
+// In 64 bits: an end far out plus its offset may pass the 32-bit range.
+std::int32_t clamp_to_limits(std::int64_t v) {
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, kLineLimitLow, kLineLimitHigh));
+}
 
 // The cut end at parameter t, measured from a.
 OT_DCI_Point cut_point(const OT_DCI_Point& a, double dx, double dy, double dz, double t, int side,
@@ -27,7 +30,7 @@ OT_DCI_Point cut_point(const OT_DCI_Point& a, double dx, double dy, double dz, d
       p.x = kLineLimitHigh;
       break;
     default:
-      p.x = clamp_to_limits(a.x + rnd(dx * t));
+      p.x = clamp_to_limits(std::int64_t{a.x} + rnd(dx * t));
       break;
   }
   switch (side) {
@@ -38,7 +41,7 @@ OT_DCI_Point cut_point(const OT_DCI_Point& a, double dx, double dy, double dz, d
       p.y = kLineLimitHigh;
       break;
     default:
-      p.y = clamp_to_limits(a.y + rnd(dy * t));
+      p.y = clamp_to_limits(std::int64_t{a.y} + rnd(dy * t));
       break;
   }
   p.z = keep_depth ? rnd(dz * t + a.z) : 0;

@@ -52,14 +52,18 @@ struct Pattern_Source {
   static Pattern_Source of(const OT_Rendition& rendition, Stipple_Flags flags) {
     const std::int32_t pattern = rendition->face->pattern;
     Pattern_Source s;
-    if (pattern == kUserPattern) {
+    // A user pattern that the rendition does not hold, or one without bits,
+    // draws as the solid pattern rather than reading nothing.
+    const OT_User_Pattern& user_pattern = rendition->face->user_pattern;
+    if (pattern == kUserPattern && user_pattern && user_pattern->bits && user_pattern->width > 0 &&
+        user_pattern->height > 0) {
       const OT_User_Pattern_Data& user = *rendition->face->user_pattern;
       s.bits = user.bits;
       s.width = user.width;
       s.height = user.height;
       s.row_stride = user.row_bytes;
     } else {
-      s.bits = OMBRA.stipples[pattern];
+      s.bits = OMBRA.stipples[pattern == kUserPattern ? kSolidPattern : pattern];
       s.width = s.height = 8;
       s.row_stride = 1;
     }
