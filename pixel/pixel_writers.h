@@ -58,8 +58,26 @@ struct Index_Store : Plain_Traits {
   byte value;
   constexpr explicit Index_Store(byte v) : value(v) {}
   void pixel(Pixel* p, std::int32_t) const { *p = value; }
+  // Runs of small triangles and thin strips are a few bytes: two stores that
+  // may overlap, rather than a call to memset, which takes the long runs.
   void span(Pixel* p, std::int32_t n, std::int32_t) const {
-    std::memset(p, value, static_cast<std::size_t>(n));
+    if (n > 16) {
+      std::memset(p, value, static_cast<std::size_t>(n));
+      return;
+    }
+    const std::uint64_t bytes8 = value * std::uint64_t{0x0101010101010101};
+    if (n >= 8) {
+      std::memcpy(p, &bytes8, 8);
+      std::memcpy(p + n - 8, &bytes8, 8);
+      return;
+    }
+    if (n >= 4) {
+      const auto bytes4 = static_cast<std::uint32_t>(bytes8);
+      std::memcpy(p, &bytes4, 4);
+      std::memcpy(p + n - 4, &bytes4, 4);
+      return;
+    }
+    for (std::int32_t i = 0; i < n; ++i) p[i] = value;
   }
 };
 
