@@ -1,11 +1,7 @@
 // The pixel rules shared by all primitives, by their worked values:
 // rounding, slopes, the two blends, merge control, the two forms of the
-// mapped dither, the depth test, the mask cursor and the runs of the plain
-// stores.
-#include <algorithm>
+// mapped dither, the depth test and the mask cursor.
 #include <cmath>
-#include <cstdint>
-#include <iterator>
 
 #include "pixel/blend.h"
 #include "pixel/depth_test.h"
@@ -13,7 +9,6 @@
 #include "pixel/fixed_point.h"
 #include "pixel/mask.h"
 #include "pixel/merge.h"
-#include "pixel/pixel_writers.h"
 #include "pixel/rounding.h"
 #include "tests/tarn_test_support.h"
 
@@ -278,26 +273,6 @@ TEST(Mask_Cursor, MovesByBitsFromTheHighBitOfEachByte) {
     }
   row[3] = 0x20;  // bit number 2
   for (int b = 0; b < 8; ++b) EXPECT_EQ(mask_bit(Mask_Cursor{row + 3, b}), b == 2) << b;
-}
-
-// The plain stores write a run with a few wide stores that may overlap, chosen
-// by width: every width up to past the widest threshold, at every start
-// alignment, writes exactly its own pixels and nothing on either side.
-TEST(Plain_Stores, RunsOfEveryWidthWriteExactlyTheirPixels) {
-  for (int start = 0; start < 8; ++start)
-    for (int n = 0; n <= 70; ++n) {
-      byte bytes[96];
-      std::uint32_t words[96];
-      std::fill(std::begin(bytes), std::end(bytes), byte{0xEE});
-      std::fill(std::begin(words), std::end(words), 0xEEEEEEEEu);
-      Index_Store(0x5A).span(bytes + 8 + start, n, 0);
-      Word_Store(0x01020304u).span(words + 8 + start, n, 0);
-      for (int i = 0; i < 96; ++i) {
-        const bool inside = i >= 8 + start && i < 8 + start + n;
-        ASSERT_EQ(bytes[i], inside ? 0x5A : 0xEE) << start << " " << n << " " << i;
-        ASSERT_EQ(words[i], inside ? 0x01020304u : 0xEEEEEEEEu) << start << " " << n << " " << i;
-      }
-    }
 }
 
 }  // namespace
