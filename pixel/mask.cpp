@@ -47,8 +47,7 @@ Frame_Buffer_Mask* find_or_make(Mask_Cache_Data& cache, const OT_Contour_Set& cl
   return mask;
 }
 
-bool mask_in_force(const Software_Z_Buffer& renderer, const OT_Rendition& rendition) {
-  if (!renderer.mask_cache) return false;
+bool mask_in_force_with_cache(const Software_Z_Buffer& renderer, const OT_Rendition& rendition) {
   const OT_Rendition_Device& device = *rendition->device;
   const OT_Contour_Set* clip = &device.complex_clip;
   if (*clip && (device.extent.left < 0 || device.extent.bottom < 0)) clip = &rendition.shifted_complex_clip();

@@ -8,8 +8,12 @@
 namespace tarn {
 
 // True guarantees that the cache's head is the mask of this rendition's clip.
-// Without a cache ("Use Mask" off) no mask is ever in force.
-bool mask_in_force(const Software_Z_Buffer& renderer, const OT_Rendition& rendition);
+// Without a cache ("Use Mask" off) no mask is ever in force, which every
+// primitive call finds out inline.
+bool mask_in_force_with_cache(const Software_Z_Buffer& renderer, const OT_Rendition& rendition);
+inline bool mask_in_force(const Software_Z_Buffer& renderer, const OT_Rendition& rendition) {
+  return renderer.mask_cache && mask_in_force_with_cache(renderer, rendition);
+}
 
 // The mask whose key is the clip's serial, made (or rebuilt in the least
 // recently used entry) when missing, and moved to the head of the list.

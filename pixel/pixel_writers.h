@@ -58,8 +58,26 @@ struct Index_Store : Plain_Traits {
   byte value;
   constexpr explicit Index_Store(byte v) : value(v) {}
   void pixel(Pixel* p, std::int32_t) const { *p = value; }
+  // Runs of small triangles and thin strips are a few bytes: two stores that
+  // may overlap, rather than a call to memset, which takes the long runs.
   void span(Pixel* p, std::int32_t n, std::int32_t) const {
-    std::memset(p, value, static_cast<std::size_t>(n));
+    if (n > 16) {
+      std::memset(p, value, static_cast<std::size_t>(n));
+      return;
+    }
+    const std::uint64_t bytes8 = value * std::uint64_t{0x0101010101010101};
+    if (n >= 8) {
+      std::memcpy(p, &bytes8, 8);
+      std::memcpy(p + n - 8, &bytes8, 8);
+      return;
+    }
+    if (n >= 4) {
+      const auto bytes4 = static_cast<std::uint32_t>(bytes8);
+      std::memcpy(p, &bytes4, 4);
+      std::memcpy(p + n - 4, &bytes4, 4);
+      return;
+    }
+    for (std::int32_t i = 0; i < n; ++i) p[i] = value;
   }
 };
 
@@ -69,7 +87,28 @@ struct Word_Store : Plain_Traits {
   std::uint32_t value;
   constexpr explicit Word_Store(std::uint32_t v) : value(v) {}
   void pixel(Pixel* p, std::int32_t) const { *p = value; }
-  void span(Pixel* p, std::int32_t n, std::int32_t) const { std::fill_n(p, n, value); }
+  // Long runs four words a store, the last four ending at the run's end (they
+  // may overlap the ones before). Short runs go word by word: rows of RGB32
+  // lie 4 KB apart, so the runs of a narrow triangle all fall in the same
+  // cache sets, and storing them faster only makes the rows evict each other.
+  void span(Pixel* p, std::int32_t n, std::int32_t) const {
+    if (n >= 32) {
+      const std::uint32_t words4[4] = {value, value, value, value};
+      std::int32_t i = 0;
+      for (; i + 4 <= n; i += 4) std::memcpy(p + i, words4, sizeof words4);
+      if (i < n) std::memcpy(p + n - 4, words4, sizeof words4);
+      return;
+    }
+    if (n >= 2 && n <= 4) {
+      // The rows of a small triangle: two stores of two words whatever the
+      // width, so no loop whose end depends on it.
+      const std::uint64_t words2 = value * std::uint64_t{0x100000001};
+      std::memcpy(p, &words2, 8);
+      std::memcpy(p + n - 2, &words2, 8);
+      return;
+    }
+    for (std::int32_t i = 0; i < n; ++i) p[i] = value;
+  }
 };
 
 // The exact blend of a translucent colour; the pixel's alpha byte becomes 255.

@@ -7,6 +7,8 @@
 // cut to 16 bits. Depths outside 0..65535 wrap, by design.
 #pragma once
 
+#include <type_traits>
+
 #include "pixel/depth_test.h"
 #include "triangles/span_fillers.h"
 
@@ -70,9 +72,14 @@ struct Depth_Solid_Pixels {
   void pixel(Pixel* p, std::uint16_t* zp, std::uint16_t d, std::int32_t row) const {
     depth_pixel<typename Rule::Test, Rule::kWriteDepth>(store, p, zp, d, row);
   }
+  // A plain store of one word or index is copied: no pixel the run writes
+  // can reach the copy, so its value stays in a register.
   void run(const Depth_Span_At<Pixel>& at, std::int32_t n, std::uint32_t z, std::int32_t step) const {
+    using Own = std::conditional_t<(sizeof(Store) <= 8), const Store, const Store&>;
+    Own own = store;
     for (std::int32_t i = 0; i < n; ++i, z += static_cast<std::uint32_t>(step))
-      pixel(at.p + i, at.zp + i, static_cast<std::uint16_t>(z >> 15), at.row);
+      depth_pixel<typename Rule::Test, Rule::kWriteDepth>(own, at.p + i, at.zp + i,
+                                                          static_cast<std::uint16_t>(z >> 15), at.row);
   }
 };
 

@@ -101,10 +101,13 @@ inline void fill_clipped(const Strip_Call& s) {
   });
 }
 
-// The integer forms after their tests.
+// The integer forms after their tests: one function with the call's set-up
+// and its triangle loop, so that the entry ladder stays small and a call of
+// one triangle pays for one frame.
 template <class Mode, class Family, class Form, unsigned kPassed>
-inline void fill_integer(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
-                         const OT_DCI_Point* points, const OT_RGB32* colors, bool single_color) {
+[[gnu::noinline, gnu::flatten]] void fill_integer(OT_Renderer_Data* object, const OT_Rendition& rendition,
+                                                  int count, const OT_DCI_Point* points,
+                                                  const OT_RGB32* colors, bool single_color) {
   const Strip_Call s(renderer_of(object), rendition, count, points, colors, single_color);
   if constexpr (Form::kClips)
     fill_clipped<Mode, Family, kPassed>(s);

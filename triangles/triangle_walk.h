@@ -32,6 +32,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 
 #include "host/ot_base.h"
@@ -117,12 +118,17 @@ struct Rect_Clip {
 // is compiled as one function with its span loops inside it (flatten), and
 // kept out of the callers (noinline): the callers are the families' large
 // entry templates, in which the inliner would otherwise run out of room and
-// leave the span and slope calls out of line.
+// leave the span and slope calls out of line. The clip and a small filler
+// are the walk's own copies, which no pixel store can reach, so they stay in
+// registers across the rows instead of being read again after every span.
 template <class Filler, class Clip = No_Clip>
-[[gnu::noinline, gnu::flatten]] inline void walk_triangle(Filler& filler, typename Filler::Vertex t,
+[[gnu::noinline, gnu::flatten]] inline void walk_triangle(const Filler& caller_filler,
+                                                          typename Filler::Vertex t,
                                                           typename Filler::Vertex m,
                                                           typename Filler::Vertex b, std::int32_t origin_x,
-                                                          std::int32_t origin_y, const Clip& clip = Clip{}) {
+                                                          std::int32_t origin_y, const Clip clip = Clip{}) {
+  using Own = std::conditional_t<(sizeof(Filler) <= 24), const Filler, const Filler&>;
+  Own filler = caller_filler;
   using Attributes = typename Filler::Edge_Attributes;
   using Edge = Walk_Edge<Attributes>;
 
