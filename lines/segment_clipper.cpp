@@ -116,9 +116,13 @@ bool clip_segment_to_limits(const OT_DCI_Point& a, const OT_DCI_Point& b, OT_DCI
 
 bool clip_segment_and_colors_to_limits(const OT_DCI_Point* points, OT_DCI_Point out[2],
                                        const OT_RGB32* colors, OT_RGB32* out_colors) {
+  // The differences are exact: formed in 32 bits, as the host's sibling forms
+  // them, they wrap for ends far apart, and the segment is then not cut at
+  // all and reaches the walker beyond the limits. Where they don't wrap,
+  // both agree.
   const OT_DCI_Point &a = points[0], &b = points[1];
-  return cut_to_limits(a, b, double(wrap_sub(b.x, a.x)), double(wrap_sub(b.y, a.y)),
-                       double(wrap_sub(b.z, a.z)), out, true, colors, out_colors);
+  return cut_to_limits(a, b, double(b.x) - double(a.x), double(b.y) - double(a.y), double(b.z) - double(a.z),
+                       out, true, colors, out_colors);
 }
 
 int direction_code(std::int32_t dx, std::int32_t dy) {
