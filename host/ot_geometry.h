@@ -1,5 +1,5 @@
 // Counted geometry and appearance records that renditions point to:
-// contour sets (complex clips), matrices, materials, user patterns, line types.
+// contour sets (complex clips), matrices, user patterns, line types.
 #pragma once
 
 #include <vector>
@@ -48,23 +48,6 @@ class OMBRA_API OT_Matrix : public OT_Handle<OT_Matrix_Data> {
   void transform(const OT_Point_D& in, OT_Point_D& out, float* w_out, float unused) const {
     data_->transform(in, out, w_out, unused);
   }
-};
-
-// Material of a rendition. type_code() points to a 32-bit code; code 7 is the
-// halo material, whose record continues with the halo fields.
-class OMBRA_API OT_Material_Data : public OT_Clonable<OT_Material_Data> {
- public:
-  virtual const std::int32_t* type_code() const { return &code; }
-  std::int32_t code = 0;
-  std::int32_t halo_weight = 0;
-  OT_RGB32 halo_color{0, 0, 0, 255};
-  OT_RGB32 halo_inner_color{0, 0, 0, 255};
-};
-
-class OMBRA_API OT_Material : public OT_Handle<OT_Material_Data> {
- public:
-  OT_Material() = default;
-  explicit OT_Material(OT_Material_Data* data) : OT_Handle(data) {}
 };
 
 // Face pattern 74: bits least significant first, rows `row_bytes` apart.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/ot_geometry.h"
+#include "host/ot_material.h"
 #include "host/ot_palette.h"
 
 class OMBRA_API OT_Rendition_Device : public OT_Clonable<OT_Rendition_Device> {
@@ -23,7 +24,8 @@ class OMBRA_API OT_Rendition_Colors : public OT_Clonable<OT_Rendition_Colors> {
   OT_RGB32 window_color{0, 0, 0, 255};
   byte window_index = 0;
   OT_Material material;
-  const void* lighting = nullptr;
+  OT_Material back_material;  // host only; set_material fills both
+  const OT_Lighting* lighting = nullptr;
 };
 
 class OMBRA_API OT_Rendition_Line : public OT_Clonable<OT_Rendition_Line> {
@@ -94,6 +96,8 @@ class OMBRA_API OT_Rendition : public OT_Handle<OT_Rendition_Data> {
   // rendition's palette; with `keep_index` true the index is left alone).
   void set_color(const OT_RGB32& color, bool keep_index);
   void set_contrast_color(const OT_RGB32& color, bool keep_index);
+  // Installs `material` in both material fields of a private colours section.
+  void set_material(const OT_Material& material);
   void set_advanced_options(const OT_Advanced_Options& options, bool);
   // Set hard_clip as given, without intersecting it with the old one.
   void set_hard_clip_unrestricted(const OT_Int_Rectangle& clip, bool);

@@ -118,3 +118,10 @@ void set_face_pattern(OT_Rendition& rendition, std::int32_t pattern) {
   face->back_pattern.reset();
   face->edge_pattern.reset();
 }
+
+void OT_Rendition::set_material(const OT_Material& material) {
+  OT_Rendition_Colors* colors = writable_colors();
+  if (!colors) return;
+  colors->material = material;
+  colors->back_material = material;
+}
