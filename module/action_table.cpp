@@ -6,6 +6,7 @@
 #include "lines/thin_polylines.h"
 #include "primitives/dots.h"
 #include "primitives/polygons.h"
+#include "textures/textured_triangles.h"
 #include "triangles/clipped_triangles.h"
 #include "triangles/colorized_triangles.h"
 #include "triangles/depth_triangles.h"
@@ -151,6 +152,10 @@ const Mode_Actions kZMappedActions = with_host_routines(
         .draw_dc_gouraud_polytriangle = z_mapped_dc_gouraud_polytriangle,
         .draw_2di_gouraud_polytriangle = z_mapped_2di_gouraud_polytriangle,
         .draw_dci_gouraud_polytriangle = z_mapped_dci_gouraud_polytriangle,
+        .draw_2d_textured_polytriangle = z_mapped_2d_textured_polytriangle,
+        .draw_dc_textured_polytriangle = z_mapped_dc_textured_polytriangle,
+        .draw_2di_textured_polytriangle = z_mapped_2di_textured_polytriangle,
+        .draw_dci_textured_polytriangle = z_mapped_dci_textured_polytriangle,
         .draw_2di_polyline = z_mapped_2di_polyline,
         .draw_dci_polyline = z_mapped_dci_polyline,
         .draw_2di_colorized_polyline = z_mapped_2di_colorized_polyline,
@@ -179,6 +184,10 @@ const Mode_Actions kZRgb32AlphaActions = with_host_routines(
         .draw_dc_gouraud_polytriangle = z_rgb32_alpha_dc_gouraud_polytriangle,
         .draw_2di_gouraud_polytriangle = z_rgb32_alpha_2di_gouraud_polytriangle,
         .draw_dci_gouraud_polytriangle = z_rgb32_alpha_dci_gouraud_polytriangle,
+        .draw_2d_textured_polytriangle = z_rgb32_alpha_2d_textured_polytriangle,
+        .draw_dc_textured_polytriangle = z_rgb32_alpha_dc_textured_polytriangle,
+        .draw_2di_textured_polytriangle = z_rgb32_alpha_2di_textured_polytriangle,
+        .draw_dci_textured_polytriangle = z_rgb32_alpha_dci_textured_polytriangle,
         .draw_2di_polyline = z_rgb32_alpha_2di_polyline,
         .draw_dci_polyline = z_rgb32_alpha_dci_polyline,
         .draw_2di_colorized_polyline = z_rgb32_alpha_2di_colorized_polyline,
@@ -208,6 +217,10 @@ const Mode_Actions kZRgb32Actions = with_host_routines(
         .draw_dc_gouraud_polytriangle = z_rgb32_dc_gouraud_polytriangle,
         .draw_2di_gouraud_polytriangle = z_rgb32_2di_gouraud_polytriangle,
         .draw_dci_gouraud_polytriangle = z_rgb32_dci_gouraud_polytriangle,
+        .draw_2d_textured_polytriangle = z_rgb32_2d_textured_polytriangle,
+        .draw_dc_textured_polytriangle = z_rgb32_dc_textured_polytriangle,
+        .draw_2di_textured_polytriangle = z_rgb32_2di_textured_polytriangle,
+        .draw_dci_textured_polytriangle = z_rgb32_dci_textured_polytriangle,
         .draw_2di_polyline = z_rgb32_2di_polyline,
         .draw_dci_polyline = z_rgb32_dci_polyline,
         .draw_2di_colorized_polyline = z_rgb32_2di_colorized_polyline,
@@ -247,6 +260,13 @@ void install_actions(Software_Z_Buffer& r, bool tiling) {
   if (row.name) r.name.install(&r, row.name);
   OT_ACTION_SLOTS(TARN_INSTALL_FROM_ROW)
 #undef TARN_INSTALL_FROM_ROW
+  // The mapped depth mode keys its textures by texel alpha when blending.
+  if (mode == Mode::z_mapped && options.alpha_blending()) {
+    r.draw_2d_textured_polytriangle.install(&r, z_mapped_alpha_2d_textured_polytriangle);
+    r.draw_dc_textured_polytriangle.install(&r, z_mapped_alpha_dc_textured_polytriangle);
+    r.draw_2di_textured_polytriangle.install(&r, z_mapped_alpha_2di_textured_polytriangle);
+    r.draw_dci_textured_polytriangle.install(&r, z_mapped_alpha_dci_textured_polytriangle);
+  }
 
   if (direct) {
     r.clear_color.install(&r, rgb32_clear_color);

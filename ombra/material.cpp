@@ -60,8 +60,8 @@ void OT_Basic_Material::shade(float* out, const OT_Rendition& rendition, const O
       }
     }
   }
-  for (int c = 0; c < 3; ++c)
-    out[c] = std::clamp(surface[c] * diffuse[c] + specular[c] * highlight[c], 0.0f, 1.0f);
+  // Bright light may exceed 1; the renderer holds each channel to full.
+  for (int c = 0; c < 3; ++c) out[c] = std::max(0.0f, surface[c] * diffuse[c] + specular[c] * highlight[c]);
 }
 
 void OT_Basic_Textured_Material::texture(OT_Texture* out) const { *out = texture_record; }

@@ -20,6 +20,8 @@ struct Mode_Traits {
 
 using Mapped = Mode_Traits<true, false, false>;
 using Z_Mapped = Mode_Traits<true, true, false>;
+// Textured triangles only: texel alpha as a one-bit key.
+using Z_Mapped_Alpha = Mode_Traits<true, true, true>;
 using Rgb32 = Mode_Traits<false, false, false>;
 using Rgb32_Alpha = Mode_Traits<false, false, true>;
 using Z_Rgb32 = Mode_Traits<false, true, false>;

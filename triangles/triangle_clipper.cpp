@@ -31,6 +31,7 @@ struct Vertex {
   double x, y, z;
   int side;
   std::int32_t c[4];  // red, green, blue, alpha, when the triangle has colours
+  float t[3];         // texture parameters, when the triangle has them
 };
 
 struct Bounds {
@@ -55,6 +56,8 @@ struct Triangle {
   Plane depth;
   bool has_color;
   Plane color[4];  // gradients narrowed to 32-bit floats
+  bool has_params;
+  Plane param[3];  // gradients narrowed to 32-bit floats
 };
 
 Plane plane(const Vertex& p0, const Vertex& p1, const Vertex& p2, double a0, double a1, double a2) {
@@ -71,26 +74,31 @@ Plane plane(const Vertex& p0, const Vertex& p1, const Vertex& p2, double a0, dou
 
 std::int32_t channel(OT_RGB32 c, int k) { return k == 0 ? c.r : k == 1 ? c.g : k == 2 ? c.b : c.a; }
 
-Triangle set_up(const OT_DCI_Point* points, const OT_RGB32* colors, const OT_Int_Rectangle& r) {
+Plane narrowed(Plane p) {
+  p.gx = static_cast<float>(p.gx);
+  p.gy = static_cast<float>(p.gy);
+  return p;
+}
+
+Triangle set_up(const OT_DCI_Point* points, const OT_RGB32* colors, const OT_Parameter* params,
+                const OT_Int_Rectangle& r) {
   Triangle tri{};
   for (int i = 0; i < 3; ++i) {
-    tri.p[i] = {double(points[i].x), double(points[i].y), double(points[i].z), 0, {}};
+    tri.p[i] = {double(points[i].x), double(points[i].y), double(points[i].z), 0, {}, {}};
     if (colors)
       for (int k = 0; k < 4; ++k) tri.p[i].c[k] = channel(colors[i], k);
+    if (params) tri.p[i].t[0] = params[i].u, tri.p[i].t[1] = params[i].v, tri.p[i].t[2] = params[i].r;
   }
   tri.bounds = {double(r.left), double(r.right), double(r.bottom), double(r.top)};
   const Vertex &p0 = tri.p[0], &p1 = tri.p[1], &p2 = tri.p[2];
   tri.turns_up = (p2.y - p0.y) * (p1.x - p0.x) > (p1.y - p0.y) * (p2.x - p0.x);
   tri.depth = plane(p0, p1, p2, p0.z, p1.z, p2.z);
   tri.has_color = colors != nullptr;
-  if (colors) {
-    for (int k = 0; k < 4; ++k) {
-      Plane& c = tri.color[k];
-      c = plane(p0, p1, p2, p0.c[k], p1.c[k], p2.c[k]);
-      c.gx = static_cast<float>(c.gx);
-      c.gy = static_cast<float>(c.gy);
-    }
-  }
+  if (colors)
+    for (int k = 0; k < 4; ++k) tri.color[k] = narrowed(plane(p0, p1, p2, p0.c[k], p1.c[k], p2.c[k]));
+  tri.has_params = params != nullptr;
+  if (params)
+    for (int k = 0; k < 3; ++k) tri.param[k] = narrowed(plane(p0, p1, p2, p0.t[k], p1.t[k], p2.t[k]));
   return tri;
 }
 
@@ -98,6 +106,12 @@ Triangle set_up(const OT_DCI_Point* points, const OT_RGB32* colors, const OT_Int
 void color_at(const Triangle& tri, double x, double y, std::int32_t* c) {
   if (!tri.has_color) return;
   for (int k = 0; k < 4; ++k) c[k] = static_cast<std::int32_t>(std::clamp(tri.color[k].at(x, y), 0.0, 255.0));
+}
+
+// Texture parameters on the triangle's planes.
+void params_at(const Triangle& tri, double x, double y, float* t) {
+  if (!tri.has_params) return;
+  for (int k = 0; k < 3; ++k) t[k] = static_cast<float>(tri.param[k].at(x, y));
 }
 
 // ---- Step 2: one edge against the rectangle -------------------------------
@@ -187,10 +201,13 @@ Edge_Span edge_span(const Vertex& p, const Vertex& q, const Bounds& r) {
 // end (to when at_to, else from). The free coordinate is clamped to the
 // rectangle, since a tie taken within the tolerance may step just past it.
 Vertex edge_point(const Vertex& from, const Vertex& to, int side, double t, bool at_to, const Bounds& r) {
-  Vertex v{0.0, 0.0, from.z + (to.z - from.z) * t, side, {}};
+  Vertex v{0.0, 0.0, from.z + (to.z - from.z) * t, side, {}, {}};
   // Colours along the edge are truncated and not clamped: they lie between
   // the ends' own.
   for (int k = 0; k < 4; ++k) v.c[k] = static_cast<std::int32_t>(from.c[k] + (to.c[k] - from.c[k]) * t);
+  // Parameters in 32-bit floats.
+  const float tf = static_cast<float>(t);
+  for (int k = 0; k < 3; ++k) v.t[k] = from.t[k] + (to.t[k] - from.t[k]) * tf;
   if (side == 0) {
     v.x = at_to ? to.x : from.x;
     v.y = at_to ? to.y : from.y;
@@ -252,8 +269,9 @@ void walk_corners(const Triangle& tri, int from, int to, Outline& outline) {
       y = (c == kLeft || c == kTop) ? b.ymax : b.ymin;
       c = c == kBottom ? kLeft : c << 1;
     }
-    Vertex corner{x, y, tri.depth.at(x, y), side, {}};
+    Vertex corner{x, y, tri.depth.at(x, y), side, {}, {}};
     color_at(tri, x, y, corner.c);
+    params_at(tri, x, y, corner.t);
     outline.push(corner);
   } while (c != to);
 }
@@ -327,21 +345,32 @@ OT_DCI_Point rounded(double x, double y, double z) {
 
 OT_RGB32 color_of(const std::int32_t* c) { return OT_RGB32::rgba(c[0], c[1], c[2], c[3]); }
 
+// Where the output's colours and parameters go; null for what isn't carried.
+struct Attribute_Out {
+  OT_RGB32* colors;
+  OT_Parameter* params;
+
+  void put(int k, const std::int32_t* c, const float* t) const {
+    if (colors) colors[k] = color_of(c);
+    if (params) params[k] = {t[0], t[1], t[2]};
+  }
+};
+
 // With no edge crossing it, the rectangle is wholly outside the triangle or
 // wholly inside; one corner tells which. Inside, its four corners in this
 // order are already a strip.
-int cover_rectangle(const Triangle& tri, OT_DCI_Point* out, OT_RGB32* out_colors) {
+int cover_rectangle(const Triangle& tri, OT_DCI_Point* out, const Attribute_Out& attributes) {
   const Bounds& b = tri.bounds;
   if (!point_in_triangle(tri, b.xmin, b.ymin)) return 0;
   const double xs[4] = {b.xmin, b.xmin, b.xmax, b.xmax};
   const double ys[4] = {b.ymin, b.ymax, b.ymin, b.ymax};
   for (int k = 0; k < 4; ++k) {
     out[k] = rounded(xs[k], ys[k], tri.depth.at(xs[k], ys[k]));
-    if (out_colors) {
-      std::int32_t c[4];
-      color_at(tri, xs[k], ys[k], c);
-      out_colors[k] = color_of(c);
-    }
+    std::int32_t c[4];
+    float t[3];
+    color_at(tri, xs[k], ys[k], c);
+    params_at(tri, xs[k], ys[k], t);
+    attributes.put(k, c, t);
   }
   return 4;
 }
@@ -350,7 +379,7 @@ int cover_rectangle(const Triangle& tri, OT_DCI_Point* out, OT_RGB32* out_colors
 
 // Order 0, 1, n-1, 2, n-2, ...: each new point closes a triangle with the two
 // before it, fanning the convex polygon from both ends.
-int write_strip(const Outline& outline, OT_DCI_Point* out, OT_RGB32* out_colors) {
+int write_strip(const Outline& outline, OT_DCI_Point* out, const Attribute_Out& attributes) {
   const int n = outline.n;
   // Only rounding can take the outline past eight points; such a triangle
   // is not drawn rather than drawn wrong. Below three there is nothing.
@@ -360,7 +389,7 @@ int write_strip(const Outline& outline, OT_DCI_Point* out, OT_RGB32* out_colors)
   for (int k = 0; k < n; ++k) {
     const Vertex& v = outline.v[k == 0 ? 0 : (k & 1) ? low++ : high--];
     out[k] = rounded(v.x, v.y, v.z);
-    if (out_colors) out_colors[k] = color_of(v.c);
+    attributes.put(k, v.c, v.t);
   }
   return n;
 }
@@ -368,12 +397,13 @@ int write_strip(const Outline& outline, OT_DCI_Point* out, OT_RGB32* out_colors)
 }  // namespace
 
 int clip_triangle_to_rectangle(const OT_DCI_Point* triangle, const OT_RGB32* colors,
-                               const OT_Int_Rectangle& rectangle, OT_DCI_Point* out, OT_RGB32* out_colors) {
-  const Triangle tri = set_up(triangle, colors, rectangle);
-  if (!colors) out_colors = nullptr;
+                               const OT_Parameter* params, const OT_Int_Rectangle& rectangle,
+                               OT_DCI_Point* out, OT_RGB32* out_colors, OT_Parameter* out_params) {
+  const Triangle tri = set_up(triangle, colors, params, rectangle);
+  const Attribute_Out attributes{colors ? out_colors : nullptr, params ? out_params : nullptr};
   const Outline outline = trace_outline(tri);
-  if (outline.n == 0) return cover_rectangle(tri, out, out_colors);
-  return write_strip(outline, out, out_colors);
+  if (outline.n == 0) return cover_rectangle(tri, out, attributes);
+  return write_strip(outline, out, attributes);
 }
 
 }  // namespace tarn
