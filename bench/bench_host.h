@@ -91,6 +91,7 @@ class Bench_Host {
 
   OT_Renderer_Data& renderer() { return *renderer_; }
   const OT_Rendition& rendition() const { return rendition_; }
+  OT_Rendition& writable_rendition() { return rendition_; }
   const Mode& mode() const { return mode_; }
   int width() const { return width_; }
   int height() const { return height_; }

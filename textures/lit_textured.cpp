@@ -44,7 +44,9 @@ struct Lit_Writer {
     std::int32_t q[3];
     for (int k = 0; k < 3; ++k) {
       const std::int32_t level =
-          (static_cast<std::int32_t>(texel_channel(t, k) * static_cast<std::uint32_t>(c[k])) + c[3 + k]) >> 8;
+          static_cast<std::int32_t>(texel_channel(t, k) * static_cast<std::uint32_t>(c[k]) +
+                                    static_cast<std::uint32_t>(c[3 + k])) >>
+          8;
       q[k] = std::clamp<std::int32_t>(static_cast<std::int16_t>((level + d) >> 16), 0, scale[k]);
     }
     *p = static_cast<byte>(q[0] * static_cast<std::int32_t>(cube->red_step) +
