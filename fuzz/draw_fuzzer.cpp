@@ -3,6 +3,9 @@
 // infinities for the float forms), and checks after each call that nothing
 // outside the hard clip changed. Out-of-image writes are ASan's to catch;
 // at the end of an input every object the host made is gone again.
+// Built with TARN_FUZZ_TEXTURED the same target gives the rendition a
+// textured material (and lights) and adds the textured slots; its inputs
+// are a corpus of their own, so that the seeds of each keep their meaning.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cmath>
@@ -170,6 +173,33 @@ void fuzz(FuzzedDataProvider& in) {
     colors->color_index = in.ConsumeIntegral<byte>();
     colors->contrast_color = d.color();
     colors->contrast_index = in.ConsumeIntegral<byte>();
+#ifdef TARN_FUZZ_TEXTURED
+    // A texture of up to 8 x 8 texels, any size, wrap 0, 2 or another value.
+    const int texture_width = in.ConsumeIntegralInRange(0, 8),
+              texture_height = in.ConsumeIntegralInRange(0, 8);
+    OT_Shared_Image texels(texture_width, texture_height, OT_Image_Format_RGB32, 0, nullptr, false);
+    if (texels)
+      for (int row = 0; row < texture_height; ++row)
+        for (int col = 0; col < texture_width; ++col)
+          reinterpret_cast<std::uint32_t*>(texels->top_rows[row])[col] = in.ConsumeIntegral<std::uint32_t>();
+    OT_Texture texture(new OT_Texture_Data(texels));
+    static const std::int32_t wraps[] = {2, 2, 0, 1, 3};
+    texture->wrap_u = wraps[in.ConsumeIntegralInRange(0, 4)];
+    texture->wrap_v = wraps[in.ConsumeIntegralInRange(0, 4)];
+    texture->modulate = in.ConsumeBool();
+    texture->host_only = in.ConsumeIntegralInRange(0, 7) == 0;
+    if (in.ConsumeIntegralInRange(0, 7) != 0)
+      rendition.set_material(OT_Material(new OT_Basic_Textured_Material(texture)));
+    OT_Lighting lighting;
+    lighting.ambient_red = lighting.ambient_green = lighting.ambient_blue = float(d.real(0, 2));
+    lighting.lights.push_back({{float(d.real(-1, 1)), float(d.real(-1, 1)), -1.0f}, 1.0f, 0.8f, 0.6f});
+    if (in.ConsumeBool()) rendition.writable_colors()->lighting = &lighting;
+    rendition.writable_raster()->texture_flags = in.ConsumeIntegralInRange(0, 7) == 0 ? 1 : 0;
+    rendition.writable_raster()->shading = in.ConsumeBool() ? 3 : 0;
+    constexpr int kLastSlot = 20;
+#else
+    constexpr int kLastSlot = 17;
+#endif
 
     r->clear_color(rendition);
     r->clear_depth(rendition);
@@ -180,6 +210,8 @@ void fuzz(FuzzedDataProvider& in) {
       std::vector<OT_Point> floats;
       std::vector<OT_Point_D> doubles;
       std::vector<OT_RGB32> shades;
+      std::vector<OT_Parameter> params;
+      std::vector<OT_Vector> normals;
       for (int i = 0; i < n; ++i) {
         const std::int32_t x = d.coordinate(clip.left, clip.right), y = d.coordinate(clip.bottom, clip.top);
         const std::int32_t z = in.ConsumeIntegralInRange(-1000, 70000);
@@ -188,10 +220,14 @@ void fuzz(FuzzedDataProvider& in) {
             {float(d.real(clip.left, clip.right)), float(d.real(clip.bottom, clip.top)), float(z)});
         doubles.push_back({d.real(clip.left, clip.right), d.real(clip.bottom, clip.top), double(z)});
         shades.push_back(d.color());
+#ifdef TARN_FUZZ_TEXTURED
+        params.push_back({float(d.real(-3, 3)), float(d.real(-3, 3)), 0.0f});
+        normals.push_back({float(d.real(-1, 1)), float(d.real(-1, 1)), float(d.real(-1, 1))});
+#endif
       }
       const bool single = in.ConsumeBool();
       const OT_RGB32* c = n > 0 ? shades.data() : nullptr;
-      const int slot = in.ConsumeIntegralInRange(0, 17);
+      const int slot = in.ConsumeIntegralInRange(0, kLastSlot);
       // TARN_FUZZ_VERBOSE=1 prints each call, to turn a finding into a test.
       static const bool verbose = std::getenv("TARN_FUZZ_VERBOSE") != nullptr;
       if (verbose) {
@@ -254,9 +290,24 @@ void fuzz(FuzzedDataProvider& in) {
         case 16:
           r->draw_tiled_polygon(rendition, n, doubles.data(), c);
           break;
-        default:
+        case 17:
           r->draw_2d_polyline(rendition, n, floats.data());
           break;
+#ifdef TARN_FUZZ_TEXTURED
+        default: {
+          // Colours, normals and parameters each may be missing.
+          const OT_RGB32* tc = in.ConsumeBool() ? c : nullptr;
+          const OT_Vector* tn = in.ConsumeBool() && n > 0 ? normals.data() : nullptr;
+          const OT_Parameter* tp = n > 0 ? params.data() : nullptr;
+          if (slot == 18)
+            r->draw_2di_textured_polytriangle(rendition, n, ints.data(), tc, tp, 1, nullptr, tn);
+          else if (slot == 19)
+            r->draw_2d_textured_polytriangle(rendition, n, floats.data(), tc, tp, 1, nullptr, tn);
+          else
+            r->draw_tiled_textured_polytriangle(rendition, n, doubles.data(), tc, tp, 1, nullptr, tn);
+          break;
+        }
+#endif
       }
       // Nothing outside the hard clip may change.
       const std::vector<byte> after = snapshot(*r, f);

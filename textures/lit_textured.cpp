@@ -27,7 +27,6 @@ struct Lit_Writer {
   using Clipped = Lit_Writer;
   static constexpr bool kNarrow = false;
   static constexpr bool kDepthFirst = false;
-  static constexpr bool kMeanOpaqueTakesLeftDepth = false;
   static constexpr int kChannels = 3;
   static constexpr int kFloatChannels = 3;
 

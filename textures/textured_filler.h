@@ -15,7 +15,6 @@
 #include "textures/texture_lookup.h"
 #include "textures/textured_writers.h"
 #include "triangles/depth_fill.h"
-#include "triangles/gouraud_spans.h"
 #include "triangles/triangle_walk.h"
 
 namespace tarn {

@@ -28,24 +28,6 @@ struct Shaded_Vertex {
   static Shaded_Vertex of(const OT_DCI_Point* p, const OT_RGB32* c, int i) { return {p + i, c[i]}; }
 };
 
-// N accumulators stepped together, wrapping.
-template <int N>
-struct Accumulators {
-  std::int32_t v[N];
-
-  Accumulators& operator+=(const Accumulators& step) {
-    for (int k = 0; k < N; ++k)
-      v[k] =
-          static_cast<std::int32_t>(static_cast<std::uint32_t>(v[k]) + static_cast<std::uint32_t>(step.v[k]));
-    return *this;
-  }
-  void add_scaled(const Accumulators& step, std::int32_t n) {
-    for (int k = 0; k < N; ++k)
-      v[k] = static_cast<std::int32_t>(static_cast<std::uint32_t>(v[k]) +
-                                       static_cast<std::uint32_t>(step.v[k]) * static_cast<std::uint32_t>(n));
-  }
-};
-
 // ---- Shades: a mode's channels and what a pixel makes of them ----------------------
 // `value(color, k)` is channel k's walked value; `store(v, p, row, put)` hands
 // put the writer of the pixel whose channels are v.

@@ -45,6 +45,24 @@ struct No_Attributes {
   void add_scaled(const No_Attributes&, std::int32_t) {}
 };
 
+// N accumulators stepped together, wrapping.
+template <int N>
+struct Accumulators {
+  std::int32_t v[N];
+
+  Accumulators& operator+=(const Accumulators& step) {
+    for (int k = 0; k < N; ++k)
+      v[k] =
+          static_cast<std::int32_t>(static_cast<std::uint32_t>(v[k]) + static_cast<std::uint32_t>(step.v[k]));
+    return *this;
+  }
+  void add_scaled(const Accumulators& step, std::int32_t n) {
+    for (int k = 0; k < N; ++k)
+      v[k] = static_cast<std::int32_t>(static_cast<std::uint32_t>(v[k]) +
+                                       static_cast<std::uint32_t>(step.v[k]) * static_cast<std::uint32_t>(n));
+  }
+};
+
 // A vertex with nothing but its point.
 struct Plain_Vertex {
   const OT_DCI_Point* point;
