@@ -13,28 +13,38 @@
 namespace tarn {
 namespace {
 
-// The writers of each mode, with and without modulation.
+using Filler = void (*)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, const OT_RGB32*,
+                        const OT_Parameter*, int);
+
+// The writers of each mode, with and without modulation, and the fillers
+// named after them.
 template <class Mode>
 struct Textured_Writers;
 template <>
 struct Textured_Writers<Z_Mapped> {
   using Modulated = Mapped_Writer<true, false>;
   using Plain = Mapped_Writer<false, false>;
+  static constexpr Filler kModulated = fill_textured_mapped_modulated, kPlain = fill_textured_mapped;
 };
 template <>
 struct Textured_Writers<Z_Mapped_Alpha> {
   using Modulated = Mapped_Writer<true, true>;
   using Plain = Mapped_Writer<false, true>;
+  static constexpr Filler kModulated = fill_textured_mapped_keyed_modulated,
+                          kPlain = fill_textured_mapped_keyed;
 };
 template <>
 struct Textured_Writers<Z_Rgb32> {
   using Modulated = Rgb32_Modulated_Writer;
   using Plain = Rgb32_Texel_Writer;
+  static constexpr Filler kModulated = fill_textured_rgb32_modulated, kPlain = fill_textured_rgb32;
 };
 template <>
 struct Textured_Writers<Z_Rgb32_Alpha> {
   using Modulated = Rgb32_Alpha_Modulated_Writer<Channels_Wide, false>;
   using Plain = Rgb32_Alpha_Texel_Writer<false>;
+  static constexpr Filler kModulated = fill_textured_rgb32_alpha_modulated,
+                          kPlain = fill_textured_rgb32_alpha;
 };
 
 // A filler: the texture and image taken for the call, then the strip.
@@ -52,8 +62,8 @@ void textured_filler(OT_Renderer_Data* object, const OT_Rendition& rendition, in
   const Texture_Hold hold(rendition);
   if (!hold.drawable()) return;
   const Texture_Lookup lookup(*hold.texture, hold.image);
-  fill_textured_strip<Writer>({renderer_of(object), rendition, count, points,
-                               Writer::kChannels > 0 ? colors : nullptr, params, param_width, lookup});
+  fill_textured_strip<Writer>(
+      {renderer_of(object), rendition, count, points, colors, params, param_width, lookup});
 }
 
 template <class Form>
@@ -144,20 +154,19 @@ void textured_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int
         return textured_outline<Form>(object, rendition, count, points);
     }
   }
+  const OT_RGB32* const filler_colors = modulated ? colors : nullptr;
   with_integer_points<Form>(count, points, [&](const OT_DCI_Point* p) {
-    const Texture_Lookup lookup(texture, hold.image);
-    const Textured_Call call{r,      rendition,   count, p, modulated ? colors : nullptr,
-                             params, param_width, lookup};
     if constexpr (Form::kClips) {
+      const Texture_Lookup lookup(texture, hold.image);
+      const Textured_Call call{r, rendition, count, p, filler_colors, params, param_width, lookup};
       if (modulated)
         fill_textured_anywhere<typename Writers::Modulated>(call);
       else
         fill_textured_anywhere<typename Writers::Plain>(call);
-    } else if (count >= 3) {
-      if (modulated)
-        fill_textured_strip<typename Writers::Modulated>(call);
-      else
-        fill_textured_strip<typename Writers::Plain>(call);
+    } else {
+      // The filler takes the texture again for itself.
+      (modulated ? Writers::kModulated : Writers::kPlain)(object, rendition, count, p, filler_colors, params,
+                                                          param_width);
     }
   });
 }
