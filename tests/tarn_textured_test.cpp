@@ -310,13 +310,15 @@ TEST(TexturedHandles, EveryPathReleasesWhatItTook) {
   t.draw(kQuad, across(0, 1), {}, 2, normals);  // lit, float form
   t.record().wrap_u = 1;
   t.draw(kQuad, across(0, 1));  // host
-  // An image without rows has no texel to read: the host's.
-  const OT_Shared_Image texels = t.record().texels;
-  t.record().texels = OT_Shared_Image(4, 0, OT_Image_Format_RGB32, 0, nullptr, false);
-  t.record().wrap_u = 2;
-  t.rendition().writable_colors()->lighting = nullptr;
-  t.draw(kQuad, across(0, 1));
-  t.record().texels = texels;
+  {
+    // An image without rows has no texel to read: the host's.
+    const OT_Shared_Image texels = t.record().texels;
+    t.record().texels = OT_Shared_Image(4, 0, OT_Image_Format_RGB32, 0, nullptr, false);
+    t.record().wrap_u = 2;
+    t.rendition().writable_colors()->lighting = nullptr;
+    t.draw(kQuad, across(0, 1));
+    t.record().texels = texels;
+  }
   EXPECT_EQ(t.texture->count, texture_count);
   EXPECT_EQ(t.texture->texels->count, image_count);
   EXPECT_EQ(OB_Live_Objects(), objects);
