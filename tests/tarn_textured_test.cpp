@@ -294,6 +294,31 @@ TEST(TexturedLit, DiffuseLightScalesAndIsHeldToTheCube) {
   EXPECT_EQ(t.pixel(3, 2), t.drawn_value());
 }
 
+// A light of a quarter along the normal, no ambient: the host gives diffuse
+// 0.25 on white and specular 0.25 on black. On scale 5, D = 1275 * 0.25
+// truncated = 318 (8.8: 81536) and S = 318.75, 318 on the span. A white
+// texel: (255 * 81536 + 318) >> 8 = 81218; a texel of 128: (128 * 81536 +
+// 318) >> 8 = 40769. Each channel is that plus the dither, shifted right 16.
+TEST(TexturedLit, DiffuseAndSpecularTermsOfAQuarterLight) {
+  Textured t(kZMapped, 4, 4, [](int col, int) { return col < 2 ? 0xFFFFFFFFu : 0xFF808080u; });
+  const OT_Color_Cube& cube = t.renderer().cube;
+  ASSERT_EQ(cube.red_scale, 5);
+  ASSERT_EQ(cube.green_scale, 5);
+  ASSERT_EQ(cube.blue_scale, 5);
+  OT_Lighting lighting;
+  lighting.lights.push_back({{0.0f, 0.0f, -1.0f}, 0.25f, 0.25f, 0.25f});
+  t.rendition().writable_colors()->lighting = &lighting;
+  t.draw(kQuad, across(0.0f, 1.0f), {}, 0, std::vector<OT_Vector>(4, OT_Vector{0.0f, 0.0f, -1.0f}));
+  for (int y = 0; y < 4; ++y)
+    for (int x = 1; x <= 6; ++x) {
+      const std::uint16_t d =
+          SHARED.dither[(y & 7) * 8 + (reinterpret_cast<std::uintptr_t>(t.address(x, y)) & 7)];
+      const std::uint32_t q = ((x <= 2 ? 81218u : 40769u) + d) >> 16;
+      EXPECT_EQ(t.pixel(x, y), (cube.base + q * (cube.red_step + cube.green_step + 1)) & 255u)
+          << x << "," << y;
+    }
+}
+
 // Every path gives back the handles it took.
 TEST(TexturedHandles, EveryPathReleasesWhatItTook) {
   Textured t(kZMapped);

@@ -102,11 +102,6 @@ void fill_textured_mapped_lit(OT_Renderer_Data* object, const OT_Rendition& rend
   if (count < 3) return;
   const Texture_Hold hold(rendition);
   if (!hold.drawable()) return;
-  const Stipple_Flags flags = stipple_flags(rendition);
-  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
-  if (fill == Face_Fill::nothing) return;
-  const Pattern_Source source =
-      fill == Face_Fill::pattern ? Pattern_Source::of(rendition, flags) : Pattern_Source{};
   const Software_Z_Buffer& r = renderer_of(object);
   const Texture_Lookup lookup(*hold.texture, hold.image);
   const Textured_Call call{r, rendition, count, points, nullptr, params, param_width, lookup};
@@ -117,7 +112,7 @@ void fill_textured_mapped_lit(OT_Renderer_Data* object, const OT_Rendition& rend
                           static_cast<byte>(rendition->colors->contrast_index)};
   Light_Renditions lights(rendition);
 
-  auto walk = [&](const auto& filler) {
+  with_textured_filler(r, rendition, writer, lookup, [&](const auto& filler) {
     auto vertex = [&](int i) {
       Lit_Vertex v{textured_vertex(lookup, points + i, nullptr, call.param(i)), {}, {}};
       v.color = modulating ? modulating[i] : OT_RGB32{};
@@ -154,18 +149,7 @@ void fill_textured_mapped_lit(OT_Renderer_Data* object, const OT_Rendition& rend
       }
       walk_triangle(filler, vs[0], vs[1], vs[2], r.origin_x, r.origin_y);
     }
-  };
-  auto make = [&]<bool kPattern, bool kContrast>() {
-    walk(Textured_Filler<Lit_Writer, kPattern, kContrast>{writer, &lookup, r.color_image->device_rows,
-                                                          r.depth_image->device_rows,
-                                                          rendition->face->depth_bias, &source});
-  };
-  if (fill == Face_Fill::solid)
-    make.template operator()<false, false>();
-  else if (flags.contrast)
-    make.template operator()<true, true>();
-  else
-    make.template operator()<true, false>();
+  });
 }
 
 }  // namespace tarn

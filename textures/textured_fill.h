@@ -53,33 +53,20 @@ inline Textured_Vertex textured_vertex(const Texture_Lookup& lookup, const OT_DC
           texel_coordinate(lookup.height, param.v)};
 }
 
-// The filler over a strip of inside points: each point's parameters scaled
-// once, the triangles walked in turn.
-template <class Writer>
-void fill_textured_strip(const Textured_Call& c) {
-  const Stipple_Flags flags = stipple_flags(c.rendition);
-  const Face_Fill fill = face_fill(c.rendition->face->pattern, flags);
+// The filler of one call on its path, solid, pattern, or pattern with
+// contrast pixels: walk(filler). A pattern that draws nothing walks nothing.
+template <class Writer, class Walk>
+void with_textured_filler(const Software_Z_Buffer& r, const OT_Rendition& rendition, const Writer& writer,
+                          const Texture_Lookup& lookup, Walk&& walk) {
+  const Stipple_Flags flags = stipple_flags(rendition);
+  const Face_Fill fill = face_fill(rendition->face->pattern, flags);
   if (fill == Face_Fill::nothing) return;
   const Pattern_Source source =
-      fill == Face_Fill::pattern ? Pattern_Source::of(c.rendition, flags) : Pattern_Source{};
-  auto walk = [&](const auto& filler) {
-    const OT_RGB32* colors = Writer::kChannels ? c.colors : nullptr;
-    auto vertex = [&](int i) {
-      return textured_vertex(c.lookup, c.points + i, colors ? colors + i : nullptr, c.param(i));
-    };
-    Textured_Vertex a = vertex(0), b = vertex(1);
-    for (int i = 2; i < c.count; ++i) {
-      const Textured_Vertex v = vertex(i);
-      walk_triangle(filler, a, b, v, c.r.origin_x, c.r.origin_y);
-      a = b;
-      b = v;
-    }
-  };
-  const Writer writer = make_writer<Writer>(c.r, c.rendition);
+      fill == Face_Fill::pattern ? Pattern_Source::of(rendition, flags) : Pattern_Source{};
   auto make = [&]<bool kPattern, bool kContrast>() {
-    walk(Textured_Filler<Writer, kPattern, kContrast>{writer, &c.lookup, c.r.color_image->device_rows,
-                                                      c.r.depth_image->device_rows,
-                                                      c.rendition->face->depth_bias, &source});
+    walk(Textured_Filler<Writer, kPattern, kContrast>{writer, &lookup, r.color_image->device_rows,
+                                                      r.depth_image->device_rows, rendition->face->depth_bias,
+                                                      &source});
   };
   if (fill == Face_Fill::solid)
     make.template operator()<false, false>();
@@ -87,6 +74,26 @@ void fill_textured_strip(const Textured_Call& c) {
     make.template operator()<true, true>();
   else
     make.template operator()<true, false>();
+}
+
+// The filler over a strip of inside points: each point's parameters scaled
+// once, the triangles walked in turn.
+template <class Writer>
+void fill_textured_strip(const Textured_Call& c) {
+  const OT_RGB32* colors = Writer::kChannels ? c.colors : nullptr;
+  auto vertex = [&](int i) {
+    return textured_vertex(c.lookup, c.points + i, colors ? colors + i : nullptr, c.param(i));
+  };
+  with_textured_filler(c.r, c.rendition, make_writer<Writer>(c.r, c.rendition), c.lookup,
+                       [&](const auto& filler) {
+                         Textured_Vertex a = vertex(0), b = vertex(1);
+                         for (int i = 2; i < c.count; ++i) {
+                           const Textured_Vertex v = vertex(i);
+                           walk_triangle(filler, a, b, v, c.r.origin_x, c.r.origin_y);
+                           a = b;
+                           b = v;
+                         }
+                       });
 }
 
 // A triangle across the hard clip (point p of the call and the two after
