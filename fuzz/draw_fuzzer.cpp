@@ -4,8 +4,9 @@
 // outside the hard clip changed. Out-of-image writes are ASan's to catch;
 // at the end of an input every object the host made is gone again.
 // Built with TARN_FUZZ_TEXTURED the same target gives the rendition a
-// textured material (and lights) and adds the textured slots; its inputs
-// are a corpus of their own, so that the seeds of each keep their meaning.
+// textured material (and lights), sets the depth options and adds the
+// textured slots; its inputs are a corpus of their own, so that the seeds of
+// each keep their meaning.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cmath>
@@ -196,6 +197,18 @@ void fuzz(FuzzedDataProvider& in) {
     if (in.ConsumeBool()) rendition.writable_colors()->lighting = &lighting;
     rendition.writable_raster()->texture_flags = in.ConsumeIntegralInRange(0, 7) == 0 ? 1 : 0;
     rendition.writable_raster()->shading = in.ConsumeBool() ? 3 : 0;
+    // The depth options, through the setters that the option table holds.
+    if (depth) {
+      auto setter = [&](const wchar_t* name) {
+        const OT_Option* option = r->current_option_table()->find(name);
+        return option ? const_cast<void*>(option->as_pointer()) : nullptr;
+      };
+      const int test = in.ConsumeIntegralInRange(0, 7);
+      if (void* set_test = setter(L"ZBuffer Test"))
+        reinterpret_cast<void (*)(OT_Renderer_Data*, const int*)>(set_test)(r, &test);
+      if (void* set_write = setter(L"ZBuffer Write"))
+        reinterpret_cast<void (*)(OT_Renderer_Data*, byte)>(set_write)(r, in.ConsumeBool() ? 1 : 0);
+    }
     constexpr int kLastSlot = 20;
 #else
     constexpr int kLastSlot = 17;
