@@ -180,18 +180,21 @@ const Script_Run kRuns[] = {
     // Pixel 9 lies past u 1: repeated with the default wrap, left out with
     // wrap 0 0. Lit by ambient 0.5 alone it is half as bright; with
     // modulation it takes the red of the point colours; rows 24..39 of the
-    // board have alpha 96.
+    // board have alpha 96. Wrap 1 (the host's own) holds the last column,
+    // where repeat would have reached square 2.
     {"window 17 17\nmode rgb32\ntexture " TARN_EXAMPLES_DIR "/checker.png\n" TEXTURED_QUAD "\n"
      "probe 1 15\nprobe 2 15\nprobe 9 15\nprobe 1 13\n"
      "light ambient 0.5 0.5 0.5\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 15\n"
      "light none\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 15\n"
      "texture " TARN_EXAMPLES_DIR "/checker.png wrap 0 0 modulate\nclear_color\n" TEXTURED_QUAD
      " colors 255 0 0 255  255 0 0 255  255 0 0 255  255 0 0 255\nprobe 1 15\nprobe 9 15\n"
-     "set colors.material none\nset colors.color 1 2 3 255\n" TEXTURED_QUAD "\nprobe 9 15\n",
+     "set colors.material none\nset colors.color 1 2 3 255\n" TEXTURED_QUAD "\nprobe 9 15\n"
+     "texture " TARN_EXAMPLES_DIR "/checker.png wrap 1 1\n" TEXTURED_QUAD "\nprobe 10 15\n",
      0,
      "probe 1 15 color=240,226,190,255\nprobe 2 15 color=30,110,130,255\nprobe 9 15 color=240,226,190,255\n"
      "probe 1 13 color=240,226,190,96\nprobe 1 15 color=120,113,95,255\nprobe 1 15 color=240,226,190,255\n"
-     "probe 1 15 color=240,0,0,255\nprobe 9 15 color=0,0,0,255\nprobe 9 15 color=1,2,3,255\n",
+     "probe 1 15 color=240,0,0,255\nprobe 9 15 color=0,0,0,255\nprobe 9 15 color=1,2,3,255\n"
+     "probe 10 15 color=240,226,190,255\n",
      ""},
     // Images in the forms that the host clips: only the pixels inside the
     // hard clip are drawn.
