@@ -258,6 +258,9 @@ const Script_Run kRuns[] = {
     {"light spot 1 1 1\n", 2, "", ":1: light: expected `ambient R G B`, `directional X Y Z R G B` or `none`"},
     {"window 32 24\ndraw_dc_index8_image 30 5 0 33 5 0 pixels 1 2 3 4\n", 2, "",
      ":2: draw_dc_index8_image: the block must lie inside hard_clip 0 31 0 23 in the DC form"},
+    // An index image in an RGB32 mode is the host's, which cuts nothing.
+    {"window 32 24\nmode rgb32\ndraw_dci_index8_image 30 5 0 32 5 0 pixels 1 2 3\n", 2, "",
+     ":3: draw_dci_index8_image: the block must lie inside the window 0 31 0 23: the host draws this image"},
     {"window 32 24\ndraw_2d_rgb32_image 1.5 5 0 2 5 0 pixels 1 2 3 4\n", 2, "",
      ":2: draw_2d_rgb32_image: the corners' x and y must be whole numbers"},
     {"window 32 24\noption \"No Such Option\" 1\n", 2, "",

@@ -257,6 +257,15 @@ void call_slot(const Call& call, const OT_Action<const P*, const OT_RGB32*>& slo
   slot(call.rendition(), point.data(), color.empty() ? nullptr : color.data());
 }
 
+// Whether a slot holds the given routine; false for a slot of another type.
+template <class F, class G>
+bool is_function(F in_slot, G routine) {
+  if constexpr (std::is_same_v<F, G>)
+    return in_slot == routine;
+  else
+    return false;
+}
+
 // The rectangle of an image or a depth write: FIRST (left, top) and LAST
 // (right, bottom) as x y z each.
 template <class P>
@@ -266,7 +275,7 @@ struct Block {
 };
 
 template <class P>
-Block<P> parse_block(const Call& call, const Arguments& lead) {
+Block<P> parse_block(const Call& call, const Arguments& lead, bool host_routine = false) {
   lead.expect_count(6, "FIRST (left, top) and LAST (right, bottom) as x y z each, 6 numbers");
   Block<P> block{parse_point<P>(lead, 0, 1), parse_point<P>(lead, 3, 2), 0, 0};
   // The host rounds real corners; whole ones keep the block's size plain, so
@@ -290,6 +299,11 @@ Block<P> parse_block(const Call& call, const Arguments& lead) {
     // Only the right side is cut by the renderer; the other three must hold.
     if (left < window.left || top > window.top || bottom < window.bottom)
       lead.fail("the left, top and bottom of the block must lie inside the window " + rectangle_text(window));
+    // The host's DCI image (an image of the other colour system) goes out
+    // pixel by pixel and cuts nothing.
+    if (host_routine && right > window.right)
+      lead.fail("the block must lie inside the window " + rectangle_text(window) +
+                ": the host draws this image and does not cut its right side");
   } else if (call.form == Form::DC) {
     // The host's DC image goes out pixel by pixel, uncut.
     const OT_Int_Rectangle& clip = call.hard_clip();
@@ -322,7 +336,8 @@ void call_slot(const Call& call, const OT_Action<const P*, const P*, int, const 
   const bool depth = call.name == "write_depth_rectangle";
   const std::string_view keyword = depth ? "depths" : "pixels";
   const Keyword_Split parts(call.args, {keyword});
-  const Block<P> block = parse_block<P>(call, parts.lead());
+  const Block<P> block = parse_block<P>(
+      call, parts.lead(), !depth && is_function(slot.function, &OB_Standard_Draw_DCI_Index8_Image));
   if (!parts.has(keyword)) call.args.fail("expected `" + std::string(keyword) + "` and the block's values");
   if (depth) {
     const OT_Renderer_Data* renderer = call.context.renderer;
@@ -344,7 +359,8 @@ void call_slot(const Call& call,
                const OT_Action<const P*, const P*, int, const OT_RGB32*, int, const OT_Packing*>& slot) {
   prepare(call, slot);
   const Keyword_Split parts(call.args, {"pixels"});
-  const Block<P> block = parse_block<P>(call, parts.lead());
+  const Block<P> block =
+      parse_block<P>(call, parts.lead(), is_function(slot.function, &OB_Standard_Draw_DCI_RGB32_Image));
   if (!parts.has("pixels")) call.args.fail("expected `pixels` and the block's R G B A quadruples");
   const std::vector<byte> channels = parse_block_values<byte>(block, parts.part("pixels"), 4, 255, "pixels");
   std::vector<OT_RGB32> pixels;
