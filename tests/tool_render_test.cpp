@@ -203,6 +203,23 @@ const Script_Run kRuns[] = {
      "draw_2d_index8_image 6 3 0  8 3 0 pixels 9 9 9\nprobe 0 4\nprobe 0 3\nprobe 7 3\n",
      0, "probe 0 4 color=0,0,0,255\nprobe 0 3 color=4,4,4,255\nprobe 7 3 color=255,0,0,255\n", ""},
 
+    // Reads print what comes back, rows in storage order, top first. An
+    // RGB32 read holds its top row below its height: rows 3 down to 2 copy
+    // nothing, rows 2 down to 1 copy row 1 alone; rows left alone stay as
+    // the tool made them, zero. The depth read copies in full. A format
+    // that the buffer doesn't serve gives no image.
+    {"window 4 4\nmode z_rgb32\nset colors.window_color 9 8 7 255\nclear_color\nclear_depth\n"
+     "draw_dci_polytriangle 0 0 5  3 0 5  0 3 5\nread_color_rectangle 0 3 0  3 2 0\n"
+     "read_color_rectangle 1 2 0  2 1 0\nread_depth_rectangle 0 1 0  1 0 0 format 3\n"
+     "read_color_rectangle 0 3 0  1 2 0 format 1\n",
+     0,
+     "read_color_rectangle format=2 width=4 height=2\nrow 0: 0,0,0,0 0,0,0,0 0,0,0,0 0,0,0,0\n"
+     "row 1: 0,0,0,0 0,0,0,0 0,0,0,0 0,0,0,0\n"
+     "read_color_rectangle format=2 width=2 height=2\nrow 0: 255,255,255,255 9,8,7,255\nrow 1: 0,0,0,0 "
+     "0,0,0,0\n"
+     "read_depth_rectangle format=3 width=2 height=2\nrow 0: 5 5\nrow 1: 5 5\nread_color_rectangle none\n",
+     ""},
+
     // Mistakes stop the run with status 2, the line and what was expected;
     // what came before has run.
     {"echo first \"two  spaces\"\nwindow 8 8\nwindow\necho never\n", 2, "first two  spaces\n",
@@ -228,8 +245,10 @@ const Script_Run kRuns[] = {
      ":2: draw_dci_colorized_polytriangle colors: expected 2 colours (one a triangle), got 1"},
     {"window 32 24\ndraw_dci_polytriangle 1 1 0 2 1 0 1 2 0 single\n", 2, "",
      ":2: draw_dci_polytriangle: `single` is not an argument of this slot"},
-    {"window 32 24\nread_color_rectangle 0 1 0 1 0 0\n", 2, "",
-     ":2: slot read_color_rectangle: argument kind not scriptable yet"},
+    {"window 32 24\nread_color_rectangle 0 1 0 32 0 0\n", 2, "",
+     ":2: read_color_rectangle: the block must lie inside the window 0 31 0 23: nothing cuts its right side"},
+    {"window 32 24\nmode rgb32\nread_depth_rectangle 0 1 0 1 0 0\n", 2, "",
+     ":3: read_depth_rectangle: the renderer has no depth buffer in this mode"},
     {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0\n", 2, "",
      ":2: draw_dci_textured_polytriangle: expected points as x y z u v quintuples, got 14 numbers"},
     {"window 32 24\ndraw_2di_textured_polytriangle 1 1 0 0 0  2 1 0 0 0\n", 2, "",
@@ -260,7 +279,8 @@ const Script_Run kRuns[] = {
      ":2: draw_dc_index8_image: the block must lie inside hard_clip 0 31 0 23 in the DC form"},
     // An index image in an RGB32 mode is the host's, which cuts nothing.
     {"window 32 24\nmode rgb32\ndraw_dci_index8_image 30 5 0 32 5 0 pixels 1 2 3\n", 2, "",
-     ":3: draw_dci_index8_image: the block must lie inside the window 0 31 0 23: the host draws this image"},
+     ":3: draw_dci_index8_image: the block must lie inside the window 0 31 0 23: nothing cuts its right "
+     "side"},
     {"window 32 24\ndraw_2d_rgb32_image 1.5 5 0 2 5 0 pixels 1 2 3 4\n", 2, "",
      ":2: draw_2d_rgb32_image: the corners' x and y must be whole numbers"},
     {"window 32 24\noption \"No Such Option\" 1\n", 2, "",

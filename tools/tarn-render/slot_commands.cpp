@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <iostream>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -275,7 +277,7 @@ struct Block {
 };
 
 template <class P>
-Block<P> parse_block(const Call& call, const Arguments& lead, bool host_routine = false) {
+Block<P> parse_block(const Call& call, const Arguments& lead, bool uncut = false) {
   lead.expect_count(6, "FIRST (left, top) and LAST (right, bottom) as x y z each, 6 numbers");
   Block<P> block{parse_point<P>(lead, 0, 1), parse_point<P>(lead, 3, 2), 0, 0};
   // The host rounds real corners; whole ones keep the block's size plain, so
@@ -299,11 +301,11 @@ Block<P> parse_block(const Call& call, const Arguments& lead, bool host_routine 
     // Only the right side is cut by the renderer; the other three must hold.
     if (left < window.left || top > window.top || bottom < window.bottom)
       lead.fail("the left, top and bottom of the block must lie inside the window " + rectangle_text(window));
-    // The host's DCI image (an image of the other colour system) goes out
-    // pixel by pixel and cuts nothing.
-    if (host_routine && right > window.right)
+    // Reads, and the host's DCI image (an image of the other colour system,
+    // which goes out pixel by pixel), cut nothing.
+    if (uncut && right > window.right)
       lead.fail("the block must lie inside the window " + rectangle_text(window) +
-                ": the host draws this image and does not cut its right side");
+                ": nothing cuts its right side here");
   } else if (call.form == Form::DC) {
     // The host's DC image goes out pixel by pixel, uncut.
     const OT_Int_Rectangle& clip = call.hard_clip();
@@ -422,6 +424,69 @@ void call_slot(const Call& call, const OT_Action<int, const P*, const OT_RGB32*,
        parameters.data(), 1, w.empty() ? nullptr : w.data(), normals.empty() ? nullptr : normals.data());
 }
 
+// read_color_rectangle, read_depth_rectangle: SLOT FIRST LAST [format N].
+// Prints the image that comes back, rows in storage order. The read is
+// given a zeroed image of the size and format it is expected to answer in,
+// so that rows it leaves alone print as 0.
+void call_slot(
+    const Call& call,
+    const OT_Action<const OT_DCI_Point*, const OT_DCI_Point*, OT_Image_Format*, OT_Shared_Image&>& slot) {
+  prepare(call, slot);
+  const bool depth = call.name == "read_depth_rectangle";
+  const OT_Renderer_Data* renderer = call.context.renderer;
+  const OT_Renderer_Options& options = *renderer->current_renderer_options();
+  if (depth && (options.buffer_depth() < 1 || slot.object != renderer))
+    call.args.fail("the renderer has no depth buffer in this mode");
+  const std::size_t format_at = call.args.find("format");
+  const Block<OT_DCI_Point> block =
+      parse_block<OT_DCI_Point>(call, call.args.slice(0, format_at, std::string(call.name)), true);
+  OT_Image_Format format = OT_Image_Format_Native;
+  if (format_at < call.args.size()) {
+    const Arguments value = call.args.from(format_at + 1, std::string(call.name) + " format");
+    value.expect_count(1, "1 integer");
+    format = OT_Image_Format(value.int32(0, "format"));
+  }
+  const OT_Image_Format answer = depth                                              ? OT_Image_Format_Depth16
+                                 : options.color_system() == OT_Color_System_Direct ? OT_Image_Format_RGB32
+                                                                                    : OT_Image_Format_Index8;
+  OT_Shared_Image image;
+  if (format == answer || format == OT_Image_Format_Native) {
+    const int bytes = OT_Shared_Image_Data::pixel_bytes(answer);
+    image = OT_Shared_Image(int(block.width), int(block.height), answer, int(block.width) * bytes, nullptr,
+                            false);
+    if (!image)
+      throw Tool_Failure("out of memory for a read of " + std::to_string(block.width) + " x " +
+                         std::to_string(block.height));
+    for (int y = 0; y < image->height; ++y)
+      std::memset(image->top_rows[y], 0, std::size_t(block.width) * bytes);
+  }
+  slot(call.rendition(), &block.first, &block.last, &format, image);
+  std::cout << call.name;
+  if (!image) {
+    std::cout << " none\n";
+    return;
+  }
+  std::cout << " format=" << int(image->format) << " width=" << image->width << " height=" << image->height
+            << '\n';
+  for (int y = 0; y < image->height; ++y) {
+    std::cout << "row " << y << ':';
+    const byte* row = image->top_rows[y];
+    for (int x = 0; x < image->width; ++x) {
+      if (image->format == OT_Image_Format_RGB32) {
+        const byte* p = row + 4 * x;  // b, g, r, a
+        std::cout << ' ' << int(p[2]) << ',' << int(p[1]) << ',' << int(p[0]) << ',' << int(p[3]);
+      } else if (image->format == OT_Image_Format_Depth16) {
+        std::uint16_t d;
+        std::memcpy(&d, row + 2 * x, 2);
+        std::cout << ' ' << d;
+      } else {
+        std::cout << ' ' << int(row[x]);
+      }
+    }
+    std::cout << '\n';
+  }
+}
+
 // clear_color, clear_depth.
 void call_slot(const Call& call, const OT_Action<>& slot) {
   prepare(call, slot);
@@ -429,7 +494,7 @@ void call_slot(const Call& call, const OT_Action<>& slot) {
   slot(call.rendition());
 }
 
-// Rectangle reads: not yet.
+// Anything else: not yet.
 template <class... A>
 void call_slot(const Call& call, const OT_Action<A...>&) {
   not_scriptable(call);
