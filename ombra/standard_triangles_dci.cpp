@@ -129,9 +129,10 @@ struct Texture_Sampler {
 
   static bool place(double t, std::int32_t size, std::int32_t wrap, std::int32_t& at) {
     const double scaled = std::floor(t * size);
+    if (!std::isfinite(scaled)) return false;
     if (wrap == 2) {
       const double m = scaled - std::floor(scaled / size) * size;
-      at = std::clamp(std::int32_t(m), 0, size - 1);
+      at = std::int32_t(std::clamp(m, 0.0, double(size - 1)));
       return true;
     }
     if (wrap == 0 && (scaled < 0 || scaled >= size)) return false;
