@@ -139,13 +139,13 @@ struct Texture_Sampler {
     at = std::int32_t(std::clamp(scaled, 0.0, double(size - 1)));
     return true;
   }
-  // The texel at (u, v), v 0 being the image's first row; false when the
-  // wrap leaves it out.
+  // The texel at (u, v); false when the wrap leaves it out. v runs up from
+  // the image's last row in memory, as device y does.
   bool lookup(double u, double v, OT_RGB32& texel) const {
     std::int32_t x = 0, y = 0;
     if (!place(u, image->width, texture->wrap_u, x) || !place(v, image->height, texture->wrap_v, y))
       return false;
-    texel = reinterpret_cast<const OT_RGB32*>(image->top_rows[y])[x];
+    texel = reinterpret_cast<const OT_RGB32*>(image->top_rows[image->height - 1 - y])[x];
     return true;
   }
 };

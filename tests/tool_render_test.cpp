@@ -130,10 +130,11 @@ struct Script_Run {
 };
 
 // A quad over pixels 0..15 of a 17 x 17 window whose texel coordinates
-// stand half a texel inside the checkerboard's texels, u and v 0..2 over it.
+// stand half a texel inside the checkerboard's texels, u and v 0..2 over it,
+// v 0 at the bottom.
 #define TEXTURED_QUAD                                                                              \
-  "draw_dci_textured_polytriangle 0 16 0 0.0078125 0.0078125  16 16 0 2.0078125 0.0078125  0 0 0 " \
-  "0.0078125 2.0078125  16 0 0 2.0078125 2.0078125"
+  "draw_dci_textured_polytriangle 0 16 0 0.0078125 2.0078125  16 16 0 2.0078125 2.0078125  0 0 0 " \
+  "0.0078125 0.0078125  16 0 0 2.0078125 0.0078125"
 
 // The triangle (10,10), (14,10), (10,14): spans are half open on the right
 // and rows at the top, so row 13 holds x 10 alone and neither (14,10) nor
@@ -176,25 +177,26 @@ const Script_Run kRuns[] = {
 
     // Textures in rgb32, a mode without depth, where the host's routine
     // draws them. The checkerboard (squares of 8 texels, cream and teal) is
-    // mapped so that pixel x meets texel column 8x + 0.5: square x mod 8.
+    // mapped so that pixel x meets texel column 8x + 0.5: square x mod 8;
+    // v runs up from the last row, so row y meets square row 7 - y mod 8.
     // Pixel 9 lies past u 1: repeated with the default wrap, left out with
     // wrap 0 0. Lit by ambient 0.5 alone it is half as bright; with
     // modulation it takes the red of the point colours; rows 24..39 of the
-    // board have alpha 96. Wrap 1 (the host's own) holds the last column,
+    // board (y 4) have alpha 96. Wrap 1 (the host's own) holds the last column,
     // where repeat would have reached square 2.
-    {"window 17 17\nmode rgb32\ntexture " TARN_EXAMPLES_DIR "/checker.png\n" TEXTURED_QUAD "\n"
-     "probe 1 15\nprobe 2 15\nprobe 9 15\nprobe 1 13\n"
-     "light ambient 0.5 0.5 0.5\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 15\n"
-     "light none\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 15\n"
+    {"mode rgb32\nwindow 17 17\ntexture " TARN_EXAMPLES_DIR "/checker.png\n" TEXTURED_QUAD "\n"
+     "probe 1 6\nprobe 2 6\nprobe 9 6\nprobe 1 4\n"
+     "light ambient 0.5 0.5 0.5\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 6\n"
+     "light none\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 6\n"
      "texture " TARN_EXAMPLES_DIR "/checker.png wrap 0 0 modulate\nclear_color\n" TEXTURED_QUAD
-     " colors 255 0 0 255  255 0 0 255  255 0 0 255  255 0 0 255\nprobe 1 15\nprobe 9 15\n"
-     "set colors.material none\nset colors.color 1 2 3 255\n" TEXTURED_QUAD "\nprobe 9 15\n"
-     "texture " TARN_EXAMPLES_DIR "/checker.png wrap 1 1\n" TEXTURED_QUAD "\nprobe 10 15\n",
+     " colors 255 0 0 255  255 0 0 255  255 0 0 255  255 0 0 255\nprobe 1 6\nprobe 9 6\n"
+     "set colors.material none\nset colors.color 1 2 3 255\n" TEXTURED_QUAD "\nprobe 9 6\n"
+     "texture " TARN_EXAMPLES_DIR "/checker.png wrap 1 1\n" TEXTURED_QUAD "\nprobe 10 6\n",
      0,
-     "probe 1 15 color=240,226,190,255\nprobe 2 15 color=30,110,130,255\nprobe 9 15 color=240,226,190,255\n"
-     "probe 1 13 color=240,226,190,96\nprobe 1 15 color=120,113,95,255\nprobe 1 15 color=240,226,190,255\n"
-     "probe 1 15 color=240,0,0,255\nprobe 9 15 color=0,0,0,255\nprobe 9 15 color=1,2,3,255\n"
-     "probe 10 15 color=240,226,190,255\n",
+     "probe 1 6 color=240,226,190,255\nprobe 2 6 color=30,110,130,255\nprobe 9 6 color=240,226,190,255\n"
+     "probe 1 4 color=240,226,190,96\nprobe 1 6 color=120,113,95,255\nprobe 1 6 color=240,226,190,255\n"
+     "probe 1 6 color=240,0,0,255\nprobe 9 6 color=0,0,0,255\nprobe 9 6 color=1,2,3,255\n"
+     "probe 10 6 color=240,226,190,255\n",
      ""},
     // Images in the forms that the host clips: only the pixels inside the
     // hard clip are drawn.
@@ -277,6 +279,10 @@ const Script_Run kRuns[] = {
     {"light spot 1 1 1\n", 2, "", ":1: light: expected `ambient R G B`, `directional X Y Z R G B` or `none`"},
     {"window 32 24\ndraw_dc_index8_image 30 5 0 33 5 0 pixels 1 2 3 4\n", 2, "",
      ":2: draw_dc_index8_image: the block must lie inside hard_clip 0 31 0 23 in the DC form"},
+    // After a depth mode, a mode without depth keeps the depth mode's
+    // textured actions, which must not be called.
+    {"window 32 24\nmode rgb32\ndraw_2d_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0\n", 2, "",
+     ":3: draw_2d_textured_polytriangle: the textured slots still hold the actions of an earlier depth mode"},
     // An index image in an RGB32 mode is the host's, which cuts nothing.
     {"window 32 24\nmode rgb32\ndraw_dci_index8_image 30 5 0 32 5 0 pixels 1 2 3\n", 2, "",
      ":3: draw_dci_index8_image: the block must lie inside the window 0 31 0 23: nothing cuts its right "
@@ -441,10 +447,10 @@ TEST_F(Tool, TexturesReadEveryKindOfPng) {
                                         kind.colormap.empty() ? nullptr : kind.colormap.data()))
         << image.message;
     const Outcome result =
-        run({write_script("window 9 9\nmode rgb32\ntexture " + std::string(kind.name) +
+        run({write_script("mode rgb32\nwindow 9 9\ntexture " + std::string(kind.name) +
                           ".png\n"
-                          "draw_dci_textured_polytriangle 0 8 0 0 0  8 8 0 1 0  0 0 0 0 1  "
-                          "8 0 0 1 1\nprobe 1 6\nprobe 6 6\nprobe 1 1\nprobe 6 1\n")
+                          "draw_dci_textured_polytriangle 0 8 0 0 1  8 8 0 1 1  0 0 0 0 0  "
+                          "8 0 0 1 0\nprobe 1 6\nprobe 6 6\nprobe 1 1\nprobe 6 1\n")
                  .string()});
     ASSERT_EQ(result.status, 0) << result.err;
     std::string colours;
@@ -489,7 +495,7 @@ TEST_F(Tool, TheExamplesRender) {
        "probe 65 74 index=0\nprobe 148 118 color=110,116,130,255 depth=30000\n"
        "probe 238 118 color=230,60,50,255 depth=29000"},
       // The first pixel of an RGB32 image stands at the ramp's first depth.
-      {"textures", 512, 512, "probe 112 79 color=0,255,128,255 depth=2000"},
+      {"textures", 512, 512, "probe 112 335 color=0,255,128,255 depth=2000"},
   };
   const fs::path out = dir_ / "out";
   for (const Example& example : examples) {

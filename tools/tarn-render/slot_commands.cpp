@@ -372,6 +372,24 @@ void call_slot(const Call& call,
   slot(call.rendition(), &block.first, &block.last, int(block.width * 4), pixels.data(), 0, &packing);
 }
 
+// The textured actions exist only in the depth modes, and a mode without
+// depth leaves the slots as they were: after a depth mode they hold its
+// actions, which read the depth buffer that is gone. Each form of the host
+// hands down to another slot, so all four must hold the host's routines.
+void require_textured_slots_of_mode(const Call& call) {
+  const OT_Renderer_Data& r = *call.context.renderer;
+  if (r.current_renderer_options()->buffer_depth() >= 1) return;
+  if (r.draw_2d_textured_polytriangle.function != &OB_Standard_Draw_2D_Textured_Polytriangle ||
+      r.draw_dc_textured_polytriangle.function != &OB_Standard_Draw_DC_Textured_Polytriangle ||
+      r.draw_2di_textured_polytriangle.function != &OB_Standard_Draw_2DI_Textured_Polytriangle ||
+      r.draw_dci_textured_polytriangle.function != &OB_Standard_Draw_DCI_Textured_Polytriangle)
+    call.args.fail(
+        "the textured slots still hold the actions of an earlier depth mode, which need its depth buffer; in "
+        "a mode without depth, textured strips need a renderer that has not been in a depth mode (give "
+        "`mode` "
+        "before the first `window`)");
+}
+
 // Textured polytriangle: SLOT x y z u v ... [colors R G B A ...] [w W ...]
 // [normals X Y Z ...], the lists one entry a point. One parameter a point,
 // its third float 0.
@@ -379,6 +397,7 @@ template <class P>
 void call_slot(const Call& call, const OT_Action<int, const P*, const OT_RGB32*, const OT_Parameter*, int,
                                                  const float*, const OT_Vector*>& slot) {
   prepare(call, slot);
+  require_textured_slots_of_mode(call);
   const Keyword_Split parts(call.args, {"colors", "w", "normals"});
   const Arguments lead = parts.lead();
   if (lead.size() % 5 != 0)
