@@ -198,6 +198,14 @@ const Script_Run kRuns[] = {
      "probe 1 6 color=240,0,0,255\nprobe 9 6 color=0,0,0,255\nprobe 9 6 color=1,2,3,255\n"
      "probe 10 6 color=240,226,190,255\n",
      ""},
+    // w 1 on the left and 3 on the right: u and v are divided by w across
+    // the triangle. At (8, 6), 1/w is 2/3 and the lower triangle's u/w and
+    // v/w planes give u 0.5078125 and v 0.3828125: texel column 32, row
+    // 63 - 24 (squares 4 and 4, in the translucent band), where the affine
+    // u 1.0078125 and v 0.7578125 reach column 0 and row 15 (teal).
+    {"mode rgb32\nwindow 17 17\ntexture " TARN_EXAMPLES_DIR "/checker.png\n" TEXTURED_QUAD
+     " w 1 3 1 3\nprobe 8 6\n" TEXTURED_QUAD "\nprobe 8 6\n",
+     0, "probe 8 6 color=240,226,190,96\nprobe 8 6 color=30,110,130,255\n", ""},
     // Images in the forms that the host clips: only the pixels inside the
     // hard clip are drawn.
     {"window 8 8\nmode rgb32\nclear_color\nset device.hard_clip 0 7 0 3\n"
