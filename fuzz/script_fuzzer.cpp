@@ -31,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text(reinterpret_cast<const char*>(data), size);
   try {
     const tarn_render::Script script = tarn_render::parse_script("fuzz", text);
-    tarn_render::Session session({TARN_MODULE_PATH, scratch()});
+    // Relative texture names find the example textures.
+    tarn_render::Session session({TARN_MODULE_PATH, scratch(), TARN_EXAMPLES_DIR});
     for (const tarn_render::Script_Line& line : script.lines) session.run(line);
   } catch (const tarn_render::Script_Error&) {
   } catch (const tarn_render::Tool_Failure&) {

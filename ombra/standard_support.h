@@ -3,8 +3,9 @@
 //
 // The routines call each other only through the slots, and only downwards:
 // 2D, DC and tiled forms call a 2DI or DCI slot; 2DI forms call DCI slots;
-// DCI triangles call DCI polyline slots; DCI polylines, markers and images
-// call draw_dci_dot; DCI dots do nothing. Polygons call polytriangle slots.
+// DCI triangles call DCI polyline slots (a textured one with a texture,
+// draw_dci_dot); DCI polylines, markers and images call draw_dci_dot; DCI
+// dots do nothing. Polygons call polytriangle slots.
 // Whatever a renderer puts in its slots, as long as its own actions only
 // hand down to the standard routine of their own slot, no call comes back.
 #pragma once

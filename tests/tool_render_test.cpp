@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -128,6 +129,13 @@ struct Script_Run {
   const char* err;
 };
 
+// A quad over pixels 0..15 of a 17 x 17 window whose texel coordinates
+// stand half a texel inside the checkerboard's texels, u and v 0..2 over it,
+// v 0 at the bottom.
+#define TEXTURED_QUAD                                                                              \
+  "draw_dci_textured_polytriangle 0 16 0 0.0078125 2.0078125  16 16 0 2.0078125 2.0078125  0 0 0 " \
+  "0.0078125 0.0078125  16 0 0 2.0078125 0.0078125"
+
 // The triangle (10,10), (14,10), (10,14): spans are half open on the right
 // and rows at the top, so row 13 holds x 10 alone and neither (14,10) nor
 // (10,14) is drawn.
@@ -167,6 +175,61 @@ const Script_Run kRuns[] = {
      "option \"Use Mask\" true\noption \"Depth Buffer\" null\noption \"Mask Cache\" null\nprobe 0 0\n",
      0, "probe 0 0 color=0,0,0,0 depth=0\n", ""},
 
+    // Textures in rgb32, a mode without depth, where the host's routine
+    // draws them. The checkerboard (squares of 8 texels, cream and teal) is
+    // mapped so that pixel x meets texel column 8x + 0.5: square x mod 8;
+    // v runs up from the last row, so row y meets square row 7 - y mod 8.
+    // Pixel 9 lies past u 1: repeated with the default wrap, left out with
+    // wrap 0 0. Lit by ambient 0.5 alone it is half as bright; with
+    // modulation it takes the red of the point colours; rows 24..39 of the
+    // board (y 4) have alpha 96. Wrap 1 (the host's own) holds the last column,
+    // where repeat would have reached square 2.
+    {"mode rgb32\nwindow 17 17\ntexture " TARN_EXAMPLES_DIR "/checker.png\n" TEXTURED_QUAD "\n"
+     "probe 1 6\nprobe 2 6\nprobe 9 6\nprobe 1 4\n"
+     "light ambient 0.5 0.5 0.5\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 6\n"
+     "light none\n" TEXTURED_QUAD " normals 0 0 -1  0 0 -1  0 0 -1  0 0 -1\nprobe 1 6\n"
+     "texture " TARN_EXAMPLES_DIR "/checker.png wrap 0 0 modulate\nclear_color\n" TEXTURED_QUAD
+     " colors 255 0 0 255  255 0 0 255  255 0 0 255  255 0 0 255\nprobe 1 6\nprobe 9 6\n"
+     "set colors.material none\nset colors.color 1 2 3 255\n" TEXTURED_QUAD "\nprobe 9 6\n"
+     "texture " TARN_EXAMPLES_DIR "/checker.png wrap 1 1\n" TEXTURED_QUAD "\nprobe 10 6\n",
+     0,
+     "probe 1 6 color=240,226,190,255\nprobe 2 6 color=30,110,130,255\nprobe 9 6 color=240,226,190,255\n"
+     "probe 1 4 color=240,226,190,96\nprobe 1 6 color=120,113,95,255\nprobe 1 6 color=240,226,190,255\n"
+     "probe 1 6 color=240,0,0,255\nprobe 9 6 color=0,0,0,255\nprobe 9 6 color=1,2,3,255\n"
+     "probe 10 6 color=240,226,190,255\n",
+     ""},
+    // w 1 on the left and 3 on the right: u and v are divided by w across
+    // the triangle. At (8, 6), 1/w is 2/3 and the lower triangle's u/w and
+    // v/w planes give u 0.5078125 and v 0.3828125: texel column 32, row
+    // 63 - 24 (squares 4 and 4, in the translucent band), where the affine
+    // u 1.0078125 and v 0.7578125 reach column 0 and row 15 (teal).
+    {"mode rgb32\nwindow 17 17\ntexture " TARN_EXAMPLES_DIR "/checker.png\n" TEXTURED_QUAD
+     " w 1 3 1 3\nprobe 8 6\n" TEXTURED_QUAD "\nprobe 8 6\n",
+     0, "probe 8 6 color=240,226,190,96\nprobe 8 6 color=30,110,130,255\n", ""},
+    // Images in the forms that the host clips: only the pixels inside the
+    // hard clip are drawn.
+    {"window 8 8\nmode rgb32\nclear_color\nset device.hard_clip 0 7 0 3\n"
+     "draw_2di_rgb32_image -1 4 0  0 3 0 pixels 1 1 1 255  2 2 2 255  3 3 3 255  4 4 4 255\n"
+     "draw_2d_index8_image 6 3 0  8 3 0 pixels 9 9 9\nprobe 0 4\nprobe 0 3\nprobe 7 3\n",
+     0, "probe 0 4 color=0,0,0,255\nprobe 0 3 color=4,4,4,255\nprobe 7 3 color=255,0,0,255\n", ""},
+
+    // Reads print what comes back, rows in storage order, top first. An
+    // RGB32 read holds its top row below its height: rows 3 down to 2 copy
+    // nothing, rows 2 down to 1 copy row 1 alone; rows left alone stay as
+    // the tool made them, zero. The depth read copies in full. A format
+    // that the buffer doesn't serve gives no image.
+    {"window 4 4\nmode z_rgb32\nset colors.window_color 9 8 7 255\nclear_color\nclear_depth\n"
+     "draw_dci_polytriangle 0 0 5  3 0 5  0 3 5\nread_color_rectangle 0 3 0  3 2 0\n"
+     "read_color_rectangle 1 2 0  2 1 0\nread_depth_rectangle 0 1 0  1 0 0 format 3\n"
+     "read_color_rectangle 0 3 0  1 2 0 format 1\n",
+     0,
+     "read_color_rectangle format=2 width=4 height=2\nrow 0: 0,0,0,0 0,0,0,0 0,0,0,0 0,0,0,0\n"
+     "row 1: 0,0,0,0 0,0,0,0 0,0,0,0 0,0,0,0\n"
+     "read_color_rectangle format=2 width=2 height=2\nrow 0: 255,255,255,255 9,8,7,255\nrow 1: 0,0,0,0 "
+     "0,0,0,0\n"
+     "read_depth_rectangle format=3 width=2 height=2\nrow 0: 5 5\nrow 1: 5 5\nread_color_rectangle none\n",
+     ""},
+
     // Mistakes stop the run with status 2, the line and what was expected;
     // what came before has run.
     {"echo first \"two  spaces\"\nwindow 8 8\nwindow\necho never\n", 2, "first two  spaces\n",
@@ -192,8 +255,48 @@ const Script_Run kRuns[] = {
      ":2: draw_dci_colorized_polytriangle colors: expected 2 colours (one a triangle), got 1"},
     {"window 32 24\ndraw_dci_polytriangle 1 1 0 2 1 0 1 2 0 single\n", 2, "",
      ":2: draw_dci_polytriangle: `single` is not an argument of this slot"},
-    {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 2 1 0 1 2 0\n", 2, "",
-     ":2: slot draw_dci_textured_polytriangle: argument kind not scriptable yet"},
+    {"window 32 24\nread_color_rectangle 0 1 0 32 0 0\n", 2, "",
+     ":2: read_color_rectangle: the block must lie inside the window 0 31 0 23: nothing cuts its right side"},
+    {"window 32 24\nmode rgb32\nread_depth_rectangle 0 1 0 1 0 0\n", 2, "",
+     ":3: read_depth_rectangle: the renderer has no depth buffer in this mode"},
+    {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0\n", 2, "",
+     ":2: draw_dci_textured_polytriangle: expected points as x y z u v quintuples, got 14 numbers"},
+    {"window 32 24\ndraw_2di_textured_polytriangle 1 1 0 0 0  2 1 0 0 0\n", 2, "",
+     ":2: draw_2di_textured_polytriangle: expected at least 3 points (x y z u v each), got 2"},
+    {"window 32 24\ndraw_dc_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 w 1 1\n", 2, "",
+     ":2: draw_dc_textured_polytriangle w: expected 3 numbers (one a point), got 2"},
+    {"window 32 24\ndraw_2d_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 normals 0 0 -1 0 0 -1 0 "
+     "0\n",
+     2, "",
+     ":2: draw_2d_textured_polytriangle normals: expected 3 normals X Y Z (one a point), got 8 numbers"},
+    {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 colors 1 2 3 4\n", 2, "",
+     ":2: draw_dci_textured_polytriangle colors: expected 3 colours (one a point), got 1"},
+    {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  40 2 0 0 0\n", 2, "",
+     ":2: draw_dci_textured_polytriangle: point 3 (40, 2) lies outside hard_clip 0 31 0 23"},
+    {"window 32 24\ntexture /nonexistent/x.png\n", 2, "",
+     ":2: texture: cannot read /nonexistent/x.png: no such file"},
+    {"window 32 24\ntexture " TARN_EXAMPLES_DIR "/demo.tarn\n", 2, "",
+     ":2: texture: cannot read " TARN_EXAMPLES_DIR "/demo.tarn: not a PNG file"},
+    {"texture " TARN_EXAMPLES_DIR "/checker.png wrap 2\n", 2, "",
+     ":1: texture: `wrap` takes 2 integers WU WV"},
+    {"texture " TARN_EXAMPLES_DIR "/checker.png shiny\n", 2, "", ":1: texture: unexpected 'shiny'"},
+    {"material basic specular 1 1\n", 2, "", ":1: material: `specular` takes 3 numbers R G B"},
+    {"material basic shininess -2\n", 2, "", ":1: material: shininess: -2 is below 0"},
+    {"light directional 0 0 0 1 1 1\n", 2, "", ":1: light directional: the direction 0 0 0 points nowhere"},
+    {"light ambient 1 1\n", 2, "", ":1: light ambient: expected 3 numbers R G B (0 or more), got 2"},
+    {"light spot 1 1 1\n", 2, "", ":1: light: expected `ambient R G B`, `directional X Y Z R G B` or `none`"},
+    {"window 32 24\ndraw_dc_index8_image 30 5 0 33 5 0 pixels 1 2 3 4\n", 2, "",
+     ":2: draw_dc_index8_image: the block must lie inside hard_clip 0 31 0 23 in the DC form"},
+    // After a depth mode, a mode without depth keeps the depth mode's
+    // textured actions, which must not be called.
+    {"window 32 24\nmode rgb32\ndraw_2d_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0\n", 2, "",
+     ":3: draw_2d_textured_polytriangle: the textured slots still hold the actions of an earlier depth mode"},
+    // An index image in an RGB32 mode is the host's, which cuts nothing.
+    {"window 32 24\nmode rgb32\ndraw_dci_index8_image 30 5 0 32 5 0 pixels 1 2 3\n", 2, "",
+     ":3: draw_dci_index8_image: the block must lie inside the window 0 31 0 23: nothing cuts its right "
+     "side"},
+    {"window 32 24\ndraw_2d_rgb32_image 1.5 5 0 2 5 0 pixels 1 2 3 4\n", 2, "",
+     ":2: draw_2d_rgb32_image: the corners' x and y must be whole numbers"},
     {"window 32 24\noption \"No Such Option\" 1\n", 2, "",
      ":2: option: the renderer has no option \"No Such Option\""},
     {"window 32 24\noption \"Use Mask\" 7\n", 2, "",
@@ -286,6 +389,85 @@ save color mapped.png
   EXPECT_EQ(read_png(dir_ / "out" / "mapped.png").at(3, 2), (std::array<int, 3>{nine.r, nine.g, nine.b}));
 }
 
+// Textures come from PNG files of every colour type and depth, found beside
+// the script when named by a relative path; each is drawn by the host in
+// rgb32 (2 x 2 texels over 8 x 8 pixels) and probed once in each texel.
+TEST_F(Tool, TexturesReadEveryKindOfPng) {
+  struct Kind {
+    const char* name;
+    png_uint_32 format;
+    std::vector<std::uint8_t> pixels;    // rows top first
+    std::vector<std::uint8_t> colormap;  // RGBA entries for a palette file
+    const char* probes;                  // top left, top right, bottom left, bottom right texel
+  };
+  const Kind kinds[] = {
+      {"rgba",
+       PNG_FORMAT_RGBA,
+       {10, 20, 30, 255, 40, 50, 60, 128, 70, 80, 90, 0, 100, 110, 120, 255},
+       {},
+       "10,20,30,255 40,50,60,128 70,80,90,0 100,110,120,255"},
+      {"rgb",
+       PNG_FORMAT_RGB,
+       {10, 20, 30, 40, 50, 60, 70, 80, 90, 100, 110, 120},
+       {},
+       "10,20,30,255 40,50,60,255 70,80,90,255 100,110,120,255"},
+      {"grey",
+       PNG_FORMAT_GRAY,
+       {0, 85, 170, 255},
+       {},
+       "0,0,0,255 85,85,85,255 170,170,170,255 255,255,255,255"},
+      {"grey-alpha",
+       PNG_FORMAT_GA,
+       {7, 255, 9, 10, 200, 0, 255, 255},
+       {},
+       "7,7,7,255 9,9,9,10 200,200,200,0 255,255,255,255"},
+      {"palette",
+       PNG_FORMAT_RGBA_COLORMAP,
+       {2, 0, 1, 2},
+       {1, 2, 3, 255, 4, 5, 6, 77, 7, 8, 9, 255},
+       "7,8,9,255 1,2,3,255 4,5,6,77 7,8,9,255"},
+      // 16 bits a channel keep their high byte.
+      {"sixteen",
+       PNG_FORMAT_LINEAR_RGB,
+       {0x00, 0x12, 0x34, 0xFF, 0xFF, 0xFF, 0x00, 0x80, 0x00, 0x00, 0xFF, 0xFF,
+        0x12, 0x34, 0x00, 0x00, 0xAB, 0xCD, 0xFF, 0xFF, 0x01, 0x01, 0x00, 0x00},
+       {},
+       "0,52,255,255 0,0,255,255 18,0,171,255 255,1,0,255"},
+  };
+  for (const Kind& kind : kinds) {
+    SCOPED_TRACE(kind.name);
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = 2;
+    image.height = 2;
+    image.format = kind.format;
+    image.colormap_entries = png_uint_32(kind.colormap.size() / 4);
+    std::vector<std::uint8_t> pixels = kind.pixels;
+    if (kind.format & PNG_FORMAT_FLAG_LINEAR) {
+      // The linear format is written from 16-bit words of the machine.
+      for (std::size_t i = 0; i < pixels.size(); i += 2) {
+        const std::uint16_t word = std::uint16_t(pixels[i] << 8 | pixels[i + 1]);
+        std::memcpy(&pixels[i], &word, 2);
+      }
+    }
+    const fs::path file = dir_ / (std::string(kind.name) + ".png");
+    ASSERT_TRUE(png_image_write_to_file(&image, file.c_str(), 0, pixels.data(), 0,
+                                        kind.colormap.empty() ? nullptr : kind.colormap.data()))
+        << image.message;
+    const Outcome result =
+        run({write_script("mode rgb32\nwindow 9 9\ntexture " + std::string(kind.name) +
+                          ".png\n"
+                          "draw_dci_textured_polytriangle 0 8 0 0 1  8 8 0 1 1  0 0 0 0 0  "
+                          "8 0 0 1 0\nprobe 1 6\nprobe 6 6\nprobe 1 1\nprobe 6 1\n")
+                 .string()});
+    ASSERT_EQ(result.status, 0) << result.err;
+    std::string colours;
+    for (const std::string& line : lines_of(result.out))
+      colours += (colours.empty() ? "" : " ") + line.substr(line.find('=') + 1);
+    EXPECT_EQ(colours, kind.probes);
+  }
+}
+
 // Every example runs through, writes NAME-rgb32.png and NAME-mapped.png (half
 // as high), and prints the probes named here.
 TEST_F(Tool, TheExamplesRender) {
@@ -320,6 +502,8 @@ TEST_F(Tool, TheExamplesRender) {
        "probe 65 266 color=0,0,255,255 depth=65535\nprobe 65 250 color=0,0,0,255 depth=65535\n"
        "probe 65 74 index=0\nprobe 148 118 color=110,116,130,255 depth=30000\n"
        "probe 238 118 color=230,60,50,255 depth=29000"},
+      // The first pixel of an RGB32 image stands at the ramp's first depth.
+      {"textures", 512, 512, "probe 112 335 color=0,255,128,255 depth=2000"},
   };
   const fs::path out = dir_ / "out";
   for (const Example& example : examples) {

@@ -110,7 +110,10 @@ int run(int argc, char** argv) {
   const Script_Line* current = nullptr;
   auto place = [&] { return script.name + ":" + std::to_string(current ? current->number : 0) + ": "; };
   try {
-    Session session({command_line.module_path, command_line.output_dir});
+    // Textures named by relative paths are found beside the script.
+    const std::string script_dir =
+        command_line.script == "-" ? "" : std::filesystem::path(command_line.script).parent_path().string();
+    Session session({command_line.module_path, command_line.output_dir, script_dir});
     for (const Script_Line& line : script.lines) {
       current = &line;
       session.run(line);

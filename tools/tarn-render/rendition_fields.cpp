@@ -68,7 +68,7 @@ void set_complex_clip(OT_Rendition& r, const Arguments& v) {
 
 void set_material(OT_Rendition& r, const Arguments& v) {
   if (is_none(v)) {
-    r.writable_colors()->material.reset();
+    r.set_material(OT_Material());
     return;
   }
   if (v.size() == 0 || v.text(0) != "halo" || v.size() != 10)
@@ -80,7 +80,7 @@ void set_material(OT_Rendition& r, const Arguments& v) {
   material->halo_weight = v.int32(1, "WEIGHT");
   material->halo_color = color(v, 2);
   material->halo_inner_color = color(v, 6);
-  r.writable_colors()->material = material;
+  r.set_material(material);
 }
 
 void set_line_type_set(OT_Rendition& r, const Arguments& v) {

@@ -60,9 +60,13 @@ const Session::Command_Entry Session::commands_[] = {
     {"update", &Session::update},
     {"depth_write", &Session::depth_write},
     {"depth_test", &Session::depth_test},
+    {"texture", &Session::texture},
+    {"material", &Session::material},
+    {"light", &Session::light},
 };
 
-Session::Session(const Settings& settings) : output_dir_(settings.output_dir) {
+Session::Session(const Settings& settings)
+    : output_dir_(settings.output_dir), script_dir_(settings.script_dir) {
   std::string error;
   if (!module_.open(settings.module_path, error)) throw Tool_Failure("cannot load the module: " + error);
   renderer_ = module_.create();

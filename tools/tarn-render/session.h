@@ -15,6 +15,7 @@ class Session {
   struct Settings {
     std::string module_path;
     std::string output_dir;  // where relative `save` paths go; empty: the working directory
+    std::string script_dir;  // where relative `texture` paths go; empty: the working directory
   };
 
   // Opens the module and makes a renderer; throws Tool_Failure.
@@ -46,6 +47,10 @@ class Session {
   void update(const Arguments& args);
   void depth_write(const Arguments& args);
   void depth_test(const Arguments& args);
+  // Materials and lights (scene_commands.cpp).
+  void texture(const Arguments& args);
+  void material(const Arguments& args);
+  void light(const Arguments& args);
 
   // update_current_options() and establish(), once there is a window; until
   // then the requested options only collect what the script sets.
@@ -65,10 +70,14 @@ class Session {
   };
   static const Command_Entry commands_[];
 
+  // What the rendition's colors.lighting points to while the scene is lit;
+  // it outlives every rendition of the session.
+  OT_Lighting lighting_;
   OT_Module module_;
   OT_Renderer_Data* renderer_ = nullptr;
   OT_Rendition rendition_;
   std::string output_dir_;
+  std::string script_dir_;
   bool has_window_ = false;
 };
 

@@ -6,7 +6,10 @@
 #include "tools/tarn-render/slot_commands.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <iostream>
 #include <optional>
 #include <type_traits>
 #include <utility>
@@ -65,7 +68,7 @@ void prepare(const Call& call, const OT_Action<A...>& slot) {
 }
 
 // The words that end a list of numbers. Each may be given once.
-constexpr std::string_view all_keywords[] = {"colors", "single", "pixels", "depths"};
+constexpr std::string_view all_keywords[] = {"colors", "single", "pixels", "depths", "w", "normals"};
 
 // The tokens of a call split at its keywords: the leading numbers, and the
 // numbers after each keyword up to the next keyword.
@@ -256,33 +259,65 @@ void call_slot(const Call& call, const OT_Action<const P*, const OT_RGB32*>& slo
   slot(call.rendition(), point.data(), color.empty() ? nullptr : color.data());
 }
 
+// Whether a slot holds the given routine; false for a slot of another type.
+template <class F, class G>
+bool is_function(F in_slot, G routine) {
+  if constexpr (std::is_same_v<F, G>)
+    return in_slot == routine;
+  else
+    return false;
+}
+
 // The rectangle of an image or a depth write: FIRST (left, top) and LAST
 // (right, bottom) as x y z each.
+template <class P>
 struct Block {
-  OT_DCI_Point first, last;
+  P first, last;
   std::int64_t width, height;
 };
 
-Block parse_block(const Call& call, const Arguments& lead) {
-  lead.expect_count(6, "FIRST (left, top) and LAST (right, bottom) as x y z each, 6 integers");
-  Block block{parse_point<OT_DCI_Point>(lead, 0, 1), parse_point<OT_DCI_Point>(lead, 3, 2), 0, 0};
-  block.width = std::int64_t(block.last.x) - block.first.x + 1;
-  block.height = std::int64_t(block.first.y) - block.last.y + 1;
+template <class P>
+Block<P> parse_block(const Call& call, const Arguments& lead, bool uncut = false) {
+  lead.expect_count(6, "FIRST (left, top) and LAST (right, bottom) as x y z each, 6 numbers");
+  Block<P> block{parse_point<P>(lead, 0, 1), parse_point<P>(lead, 3, 2), 0, 0};
+  // The host rounds real corners; whole ones keep the block's size plain, so
+  // that the values given are the values read.
+  if constexpr (!std::is_same_v<P, OT_DCI_Point>) {
+    for (const double c :
+         {double(block.first.x), double(block.first.y), double(block.last.x), double(block.last.y)})
+      if (c != std::floor(c) || c < -2147483648.0 || c > 2147483647.0)
+        lead.fail("the corners' x and y must be whole numbers of 32 bits in the 2D, DC and tiled forms");
+  }
+  const std::int64_t left = std::int64_t(block.first.x), top = std::int64_t(block.first.y);
+  const std::int64_t right = std::int64_t(block.last.x), bottom = std::int64_t(block.last.y);
+  block.width = right - left + 1;
+  block.height = top - bottom + 1;
   if (block.width < 1 || block.height < 1)
     lead.fail(
         "FIRST must be the left top corner and LAST the right bottom one (first.x <= last.x, "
         "first.y >= last.y)");
-  // Only the right side is cut by the renderer; the other three must hold.
   const OT_Int_Rectangle& window = call.context.window;
   if (call.form == Form::DCI || call.form == Form::Other) {
-    if (block.first.x < window.left || block.first.y > window.top || block.last.y < window.bottom)
+    // Only the right side is cut by the renderer; the other three must hold.
+    if (left < window.left || top > window.top || bottom < window.bottom)
       lead.fail("the left, top and bottom of the block must lie inside the window " + rectangle_text(window));
+    // Reads, and the host's DCI image (an image of the other colour system,
+    // which goes out pixel by pixel), cut nothing.
+    if (uncut && right > window.right)
+      lead.fail("the block must lie inside the window " + rectangle_text(window) +
+                ": nothing cuts its right side here");
+  } else if (call.form == Form::DC) {
+    // The host's DC image goes out pixel by pixel, uncut.
+    const OT_Int_Rectangle& clip = call.hard_clip();
+    if (left < clip.left || right > clip.right || bottom < clip.bottom || top > clip.top)
+      lead.fail("the block must lie inside hard_clip " + rectangle_text(clip) +
+                " in the DC form (the 2D and 2DI forms clip)");
   }
   return block;
 }
 
-template <class Value>
-std::vector<Value> parse_block_values(const Block& block, const Arguments& values, std::int64_t per_value,
+template <class Value, class P>
+std::vector<Value> parse_block_values(const Block<P>& block, const Arguments& values, std::int64_t per_value,
                                       std::int64_t high, std::string_view what) {
   if (std::int64_t(values.size()) != block.width * block.height * per_value)
     values.fail("expected " + std::to_string(block.width * block.height) + " " + std::string(what) + " (" +
@@ -299,27 +334,24 @@ std::vector<Value> parse_block_values(const Block& block, const Arguments& value
 // FIRST LAST depths D ... . Rows top first, packed without padding.
 template <class P>
 void call_slot(const Call& call, const OT_Action<const P*, const P*, int, const byte*>& slot) {
-  if constexpr (!std::is_same_v<P, OT_DCI_Point>) {
-    not_scriptable(call);
+  prepare(call, slot);
+  const bool depth = call.name == "write_depth_rectangle";
+  const std::string_view keyword = depth ? "depths" : "pixels";
+  const Keyword_Split parts(call.args, {keyword});
+  const Block<P> block = parse_block<P>(
+      call, parts.lead(), !depth && is_function(slot.function, &OB_Standard_Draw_DCI_Index8_Image));
+  if (!parts.has(keyword)) call.args.fail("expected `" + std::string(keyword) + "` and the block's values");
+  if (depth) {
+    const OT_Renderer_Data* renderer = call.context.renderer;
+    if (renderer->current_renderer_options()->buffer_depth() < 1 || slot.object != renderer)
+      call.args.fail("the renderer has no depth buffer in this mode");
+    const std::vector<std::uint16_t> depths =
+        parse_block_values<std::uint16_t>(block, parts.part(keyword), 1, 0xFFFF, "depths");
+    slot(call.rendition(), &block.first, &block.last, int(block.width * 2),
+         reinterpret_cast<const byte*>(depths.data()));
   } else {
-    prepare(call, slot);
-    const bool depth = call.name == "write_depth_rectangle";
-    const std::string_view keyword = depth ? "depths" : "pixels";
-    const Keyword_Split parts(call.args, {keyword});
-    const Block block = parse_block(call, parts.lead());
-    if (!parts.has(keyword)) call.args.fail("expected `" + std::string(keyword) + "` and the block's values");
-    if (depth) {
-      const OT_Renderer_Data* renderer = call.context.renderer;
-      if (renderer->current_renderer_options()->buffer_depth() < 1 || slot.object != renderer)
-        call.args.fail("the renderer has no depth buffer in this mode");
-      const std::vector<std::uint16_t> depths =
-          parse_block_values<std::uint16_t>(block, parts.part(keyword), 1, 0xFFFF, "depths");
-      slot(call.rendition(), &block.first, &block.last, int(block.width * 2),
-           reinterpret_cast<const byte*>(depths.data()));
-    } else {
-      const std::vector<byte> pixels = parse_block_values<byte>(block, parts.part(keyword), 1, 255, "pixels");
-      slot(call.rendition(), &block.first, &block.last, int(block.width), pixels.data());
-    }
+    const std::vector<byte> pixels = parse_block_values<byte>(block, parts.part(keyword), 1, 255, "pixels");
+    slot(call.rendition(), &block.first, &block.last, int(block.width), pixels.data());
   }
 }
 
@@ -327,20 +359,150 @@ void call_slot(const Call& call, const OT_Action<const P*, const P*, int, const 
 template <class P>
 void call_slot(const Call& call,
                const OT_Action<const P*, const P*, int, const OT_RGB32*, int, const OT_Packing*>& slot) {
-  if constexpr (!std::is_same_v<P, OT_DCI_Point>) {
-    not_scriptable(call);
-  } else {
-    prepare(call, slot);
-    const Keyword_Split parts(call.args, {"pixels"});
-    const Block block = parse_block(call, parts.lead());
-    if (!parts.has("pixels")) call.args.fail("expected `pixels` and the block's R G B A quadruples");
-    const std::vector<byte> channels =
-        parse_block_values<byte>(block, parts.part("pixels"), 4, 255, "pixels");
-    std::vector<OT_RGB32> pixels;
-    for (std::size_t i = 0; i < channels.size(); i += 4)
-      pixels.push_back(OT_RGB32::rgba(channels[i], channels[i + 1], channels[i + 2], channels[i + 3]));
-    const OT_Packing packing{0};
-    slot(call.rendition(), &block.first, &block.last, int(block.width * 4), pixels.data(), 0, &packing);
+  prepare(call, slot);
+  const Keyword_Split parts(call.args, {"pixels"});
+  const Block<P> block =
+      parse_block<P>(call, parts.lead(), is_function(slot.function, &OB_Standard_Draw_DCI_RGB32_Image));
+  if (!parts.has("pixels")) call.args.fail("expected `pixels` and the block's R G B A quadruples");
+  const std::vector<byte> channels = parse_block_values<byte>(block, parts.part("pixels"), 4, 255, "pixels");
+  std::vector<OT_RGB32> pixels;
+  for (std::size_t i = 0; i < channels.size(); i += 4)
+    pixels.push_back(OT_RGB32::rgba(channels[i], channels[i + 1], channels[i + 2], channels[i + 3]));
+  const OT_Packing packing{0};
+  slot(call.rendition(), &block.first, &block.last, int(block.width * 4), pixels.data(), 0, &packing);
+}
+
+// The textured actions exist only in the depth modes, and a mode without
+// depth leaves the slots as they were: after a depth mode they hold its
+// actions, which read the depth buffer that is gone. Each form of the host
+// hands down to another slot, so all four must hold the host's routines.
+void require_textured_slots_of_mode(const Call& call) {
+  const OT_Renderer_Data& r = *call.context.renderer;
+  if (r.current_renderer_options()->buffer_depth() >= 1) return;
+  if (r.draw_2d_textured_polytriangle.function != &OB_Standard_Draw_2D_Textured_Polytriangle ||
+      r.draw_dc_textured_polytriangle.function != &OB_Standard_Draw_DC_Textured_Polytriangle ||
+      r.draw_2di_textured_polytriangle.function != &OB_Standard_Draw_2DI_Textured_Polytriangle ||
+      r.draw_dci_textured_polytriangle.function != &OB_Standard_Draw_DCI_Textured_Polytriangle)
+    call.args.fail(
+        "the textured slots still hold the actions of an earlier depth mode, which need its depth buffer; in "
+        "a mode without depth, textured strips need a renderer that has not been in a depth mode (give "
+        "`mode` "
+        "before the first `window`)");
+}
+
+// Textured polytriangle: SLOT x y z u v ... [colors R G B A ...] [w W ...]
+// [normals X Y Z ...], the lists one entry a point. One parameter a point,
+// its third float 0.
+template <class P>
+void call_slot(const Call& call, const OT_Action<int, const P*, const OT_RGB32*, const OT_Parameter*, int,
+                                                 const float*, const OT_Vector*>& slot) {
+  prepare(call, slot);
+  require_textured_slots_of_mode(call);
+  const Keyword_Split parts(call.args, {"colors", "w", "normals"});
+  const Arguments lead = parts.lead();
+  if (lead.size() % 5 != 0)
+    lead.fail("expected points as x y z u v quintuples, got " + std::to_string(lead.size()) + " numbers");
+  if (lead.size() / 5 < 3)
+    lead.fail("expected at least 3 points (x y z u v each), got " + std::to_string(lead.size() / 5));
+  std::vector<P> points;
+  std::vector<OT_Parameter> parameters;
+  for (std::size_t i = 0; i < lead.size(); i += 5) {
+    const std::string n = "point " + std::to_string(i / 5 + 1);
+    points.push_back(parse_point<P>(lead, i, i / 5 + 1));
+    parameters.push_back({lead.real32(i + 3, n + " u"), lead.real32(i + 4, n + " v"), 0.0f});
+  }
+  check_trusted(call, points);
+  const std::size_t count = points.size();
+
+  std::vector<OT_RGB32> colors;
+  if (parts.has("colors")) {
+    colors = parse_colors(parts.part("colors"));
+    expect_colors(parts.part("colors"), colors, count, "one a point");
+  }
+  std::vector<float> w;
+  if (parts.has("w")) {
+    const Arguments values = parts.part("w");
+    if (values.size() != count)
+      values.fail("expected " + std::to_string(count) + " numbers (one a point), got " +
+                  std::to_string(values.size()));
+    for (std::size_t i = 0; i < count; ++i) w.push_back(values.real32(i, "w " + std::to_string(i + 1)));
+  }
+  std::vector<OT_Vector> normals;
+  if (parts.has("normals")) {
+    const Arguments values = parts.part("normals");
+    if (values.size() != 3 * count)
+      values.fail("expected " + std::to_string(count) + " normals X Y Z (one a point), got " +
+                  std::to_string(values.size()) + " numbers");
+    for (std::size_t i = 0; i < values.size(); i += 3) {
+      const std::string n = "normal " + std::to_string(i / 3 + 1);
+      normals.push_back(
+          {values.real32(i, n + " X"), values.real32(i + 1, n + " Y"), values.real32(i + 2, n + " Z")});
+    }
+  }
+  slot(call.rendition(), int(count), points.data(), colors.empty() ? nullptr : colors.data(),
+       parameters.data(), 1, w.empty() ? nullptr : w.data(), normals.empty() ? nullptr : normals.data());
+}
+
+// read_color_rectangle, read_depth_rectangle: SLOT FIRST LAST [format N].
+// Prints the image that comes back, rows in storage order. The read is
+// given a zeroed image of the size and format it is expected to answer in,
+// so that rows it leaves alone print as 0.
+void call_slot(
+    const Call& call,
+    const OT_Action<const OT_DCI_Point*, const OT_DCI_Point*, OT_Image_Format*, OT_Shared_Image&>& slot) {
+  prepare(call, slot);
+  const bool depth = call.name == "read_depth_rectangle";
+  const OT_Renderer_Data* renderer = call.context.renderer;
+  const OT_Renderer_Options& options = *renderer->current_renderer_options();
+  if (depth && (options.buffer_depth() < 1 || slot.object != renderer))
+    call.args.fail("the renderer has no depth buffer in this mode");
+  const std::size_t format_at = call.args.find("format");
+  const Block<OT_DCI_Point> block =
+      parse_block<OT_DCI_Point>(call, call.args.slice(0, format_at, std::string(call.name)), true);
+  OT_Image_Format format = OT_Image_Format_Native;
+  if (format_at < call.args.size()) {
+    const Arguments value = call.args.from(format_at + 1, std::string(call.name) + " format");
+    value.expect_count(1, "1 integer");
+    format = OT_Image_Format(value.int32(0, "format"));
+  }
+  const OT_Image_Format answer = depth                                              ? OT_Image_Format_Depth16
+                                 : options.color_system() == OT_Color_System_Direct ? OT_Image_Format_RGB32
+                                                                                    : OT_Image_Format_Index8;
+  OT_Shared_Image image;
+  if (format == answer || format == OT_Image_Format_Native) {
+    const int bytes = OT_Shared_Image_Data::pixel_bytes(answer);
+    image = OT_Shared_Image(int(block.width), int(block.height), answer, int(block.width) * bytes, nullptr,
+                            false);
+    if (!image)
+      throw Tool_Failure("out of memory for a read of " + std::to_string(block.width) + " x " +
+                         std::to_string(block.height));
+    for (int y = 0; y < image->height; ++y)
+      std::memset(image->top_rows[y], 0, std::size_t(block.width) * bytes);
+  }
+  slot(call.rendition(), &block.first, &block.last, &format, image);
+  std::cout << call.name;
+  if (!image) {
+    std::cout << " none\n";
+    return;
+  }
+  std::cout << " format=" << int(image->format) << " width=" << image->width << " height=" << image->height
+            << '\n';
+  for (int y = 0; y < image->height; ++y) {
+    std::cout << "row " << y << ':';
+    const byte* row = image->top_rows[y];
+    for (int x = 0; x < image->width; ++x) {
+      if (image->format == OT_Image_Format_RGB32) {
+        const byte* p = row + 4 * x;  // b, g, r, a
+        std::cout << ' ' << int(p[2]) << ',' << int(p[1]) << ',' << int(p[0]) << ',' << int(p[3]);
+      } else if (image->format == OT_Image_Format_Depth16) {
+        std::uint16_t d;
+        std::memcpy(&d, row + 2 * x, 2);
+        std::cout << ' ' << d;
+      } else {
+        std::cout << ' ' << int(row[x]);
+      }
+    }
+    std::cout << '\n';
   }
 }
 
@@ -351,7 +513,7 @@ void call_slot(const Call& call, const OT_Action<>& slot) {
   slot(call.rendition());
 }
 
-// Textured triangles, rectangle reads: not yet.
+// Anything else: not yet.
 template <class... A>
 void call_slot(const Call& call, const OT_Action<A...>&) {
   not_scriptable(call);
