@@ -111,6 +111,27 @@ TEST_P(Images, AtLeastOneRowAndAnyPitch) {
   EXPECT_EQ(h.pixel(4, 9), value(m, 12));
 }
 
+// Both sides of the right edge (x 15): a block from x 15 keeps one column,
+// from x 16 none. A block one column wide draws that column; its depth takes
+// no step, whatever the z at its ends.
+TEST_P(Images, OneColumnAndNone) {
+  const Mode_Case& m = GetParam();
+  Block b(4, 2, m.mapped());
+  for (int row = 0; row < 2; ++row)
+    for (int col = 0; col < 4; ++col) b.set(col, row, value(m, 10 * row + col + 1));
+  Renderer_Harness h(m, 16, 16);
+  draw(h, {15, 9, 10}, {18, 8, 90}, b);
+  draw(h, {16, 5, 10}, {19, 4, 90}, b);
+  draw(h, {3, 12, 10}, {3, 11, 90}, b);
+  EXPECT_EQ(h.drawn(), rows_of({{9, {15, 15}}, {8, {15, 15}}, {12, {3, 3}}, {11, {3, 3}}}));
+  EXPECT_EQ(h.pixel(15, 8), value(m, 11));
+  EXPECT_EQ(h.pixel(3, 11), value(m, 11));
+  if (m.depth()) {
+    EXPECT_EQ(h.depth(3, 12), 10);
+    EXPECT_EQ(h.depth(3, 11), 10);
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Modes, Images, ::testing::ValuesIn(kAllModes), mode_name);
 
 // Depth ramps, worked by hand. Step = (dz << 15) / dx, truncated; start
