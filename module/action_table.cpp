@@ -5,6 +5,7 @@
 #include "lines/gouraud_polylines.h"
 #include "lines/thin_polylines.h"
 #include "primitives/dots.h"
+#include "primitives/images.h"
 #include "primitives/polygons.h"
 #include "textures/textured_triangles.h"
 #include "triangles/clipped_triangles.h"
@@ -51,8 +52,6 @@ Mode_Actions with_host_routines(Mode_Actions row, bool depth, bool marker) {
   fill(row.draw_2di_gouraud_polyline, OB_Standard_Draw_2DI_Gouraud_Polyline);
   fill(row.draw_dci_gouraud_polyline, OB_Standard_Draw_DCI_Gouraud_Polyline);
   if (marker) fill(row.draw_2di_polymarker, OB_Standard_Draw_2DI_Polymarker);
-  fill(row.draw_dci_rgb32_image, OB_Standard_Draw_DCI_RGB32_Image);
-  fill(row.draw_dci_index8_image, OB_Standard_Draw_DCI_Index8_Image);
   return row;
 }
 
@@ -79,6 +78,7 @@ const Mode_Actions kRgb32AlphaActions = with_host_routines(
         .draw_dci_gouraud_polyline = rgb32_alpha_dci_gouraud_polyline,
         .draw_2di_polymarker = rgb32_alpha_2di_polymarker,
         .draw_dci_dot = rgb32_alpha_dci_dot,
+        .draw_dci_rgb32_image = rgb32_alpha_dci_rgb32_image,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
         .clear_depth = no_clear_depth,
     },
@@ -106,6 +106,7 @@ const Mode_Actions kRgb32Actions = with_host_routines(
         .draw_dci_gouraud_polyline = rgb32_dci_gouraud_polyline,
         .draw_2di_polymarker = rgb32_2di_polymarker,
         .draw_dci_dot = rgb32_dci_dot,
+        .draw_dci_rgb32_image = rgb32_dci_rgb32_image,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
         .clear_depth = no_clear_depth,
     },
@@ -134,6 +135,7 @@ const Mode_Actions kMappedActions = with_host_routines(
         .draw_2di_polymarker = mapped_2di_polymarker,
         .draw_dci_dot = mapped_dci_dot,
         .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
+        .draw_dci_index8_image = mapped_dci_index8_image,
         .clear_depth = no_clear_depth,
     },
     false, true);
@@ -164,6 +166,7 @@ const Mode_Actions kZMappedActions = with_host_routines(
         .draw_dci_gouraud_polyline = z_mapped_dci_gouraud_polyline,
         .draw_dci_dot = z_mapped_dci_dot,
         .draw_dci_rgb32_image = OB_Standard_Draw_DCI_RGB32_Image,
+        .draw_dci_index8_image = z_mapped_dci_index8_image,
         .write_depth_rectangle = z_write_depth_rectangle,
         .read_depth_rectangle = z_read_depth_rectangle,
         .clear_depth = z_clear_depth,
@@ -196,6 +199,7 @@ const Mode_Actions kZRgb32AlphaActions = with_host_routines(
         .draw_dci_gouraud_polyline = z_rgb32_alpha_dci_gouraud_polyline,
         .draw_2di_polymarker = z_rgb32_alpha_2di_polymarker,
         .draw_dci_dot = z_rgb32_alpha_dci_dot,
+        .draw_dci_rgb32_image = z_rgb32_alpha_dci_rgb32_image,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
         .write_depth_rectangle = z_write_depth_rectangle,
         .read_depth_rectangle = z_read_depth_rectangle,
@@ -229,6 +233,7 @@ const Mode_Actions kZRgb32Actions = with_host_routines(
         .draw_dci_gouraud_polyline = z_rgb32_dci_gouraud_polyline,
         .draw_2di_polymarker = z_rgb32_2di_polymarker,
         .draw_dci_dot = z_rgb32_dci_dot,
+        .draw_dci_rgb32_image = z_rgb32_dci_rgb32_image,
         .draw_dci_index8_image = OB_Standard_Draw_DCI_Index8_Image,
         .write_depth_rectangle = z_write_depth_rectangle,
         .read_depth_rectangle = z_read_depth_rectangle,
