@@ -116,14 +116,4 @@ TEST(OmbraImage, GivenMemoryIsNotOwnedAndAClonedImageIsDeep) {
   EXPECT_EQ(image->top_rows[0][0], 10);
 }
 
-TEST(OmbraImage, FactoryMakesAnImageAndReleasesTheOldOne) {
-  const OT_Shared_Image old(2, 2, OT_Image_Format_Index8, 0, nullptr, false);
-  OT_Shared_Image slot = old;
-  const OT_Image_Format format = OT_Image_Format_RGB32;
-  OB_Standard_Image_Factory(nullptr, 12, 6, &format, &slot);
-  EXPECT_EQ((std::vector<int>{int(old->count.load()), int(slot->count.load()), slot->width, slot->height,
-                              slot->row_bytes}),
-            (std::vector<int>{1, 1, 12, 6, 48}));
-}
-
 }  // namespace

@@ -1,7 +1,6 @@
 // Dots and one-pixel polymarkers in the six modes, as one table: colour,
 // merge, mask, alpha and the depth rules of each form, with the pixel and
 // depth each case leaves.
-#include "pixel/dither.h"
 #include "pixel/merge.h"
 #include "tests/tarn_test_support.h"
 
@@ -148,9 +147,7 @@ TEST_P(Pixel_Rules, PixelAndDepthAfterTheCall) {
         ASSERT_NE(merged, Renderer_Harness::kIndex);
         want = merged;
       }
-      if (want == kDithered)
-        want =
-            dither_pick(dither_thresholds(h.renderer().cube, c.color), dither_threshold(y, h.address(x, y)));
+      if (want == kDithered) want = h.flat_value(c.color, x, y);
       ASSERT_EQ(h.pixel(x, y), want) << x << "," << y;
       if (c.mode.depth()) {
         ASSERT_EQ(h.depth(x, y), target ? c.depth : c.stored) << x << "," << y;
@@ -193,9 +190,7 @@ TEST(Dots, WindowOriginIsTakenOffAndTheDitherRowIsWindowRelative) {
     for (int y = 203; y < 211; ++y)
       for (int x = 100; x < 108; ++x) {
         h.dot(x, y, 3, &color);
-        const std::uint32_t want = mode.mapped() ? dither_pick(dither_thresholds(h.renderer().cube, color),
-                                                               dither_threshold(y - 203, h.address(x, y)))
-                                                 : color.word();
+        const std::uint32_t want = h.flat_value(color, x, y);
         ASSERT_EQ(h.pixel(x, y), want) << mode.name << " " << x << "," << y;
         seen.insert(want);
       }

@@ -12,12 +12,6 @@ namespace {
 // tarn-render loads the module and draws through it (tests/tool_render_test.cpp);
 // here the exports by name and the unloader.
 TEST(Module, FactoriesByBothNamesAndTheUnloader) {
-  OT_Module module;
-  std::string error;
-  ASSERT_TRUE(module.open(TARN_MODULE_PATH, error)) << error;
-  OT_Renderer_Data* renderer = module.create();
-  ASSERT_NE(renderer, nullptr);
-  module.destroy(renderer);
   void* library = dlopen(TARN_MODULE_PATH, RTLD_NOW | RTLD_LOCAL);
   ASSERT_NE(library, nullptr) << dlerror();
   auto unload = reinterpret_cast<OT_Renderer_Unloader>(dlsym(library, "OB_Unload_Tarn_Renderer"));

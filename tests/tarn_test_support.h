@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <set>
@@ -13,6 +14,7 @@
 
 #include "frame/renderer_options.h"
 #include "frame/software_z_buffer.h"
+#include "pixel/dither.h"
 
 namespace tarn::testing {
 
@@ -138,6 +140,14 @@ class Renderer_Harness {
   std::uint32_t drawn_value() const { return mode_.mapped() ? kIndex : kColor.word(); }
   std::uint32_t clear_value() const { return mode_.mapped() ? 0u : kWindowColor.word(); }
 
+  // What a flat colour writes at device (x, y): its word, or the index the
+  // comparison form of the dither picks there, by window row and address.
+  std::uint32_t flat_value(OT_RGB32 c, int x, int y) const {
+    if (!mode_.mapped()) return c.word();
+    return dither_pick(dither_thresholds(renderer_->cube, c),
+                       dither_threshold(y - renderer_->origin_y, address(x, y)));
+  }
+
   // Device positions whose pixel differs from the clear value.
   Pixels drawn() const {
     Pixels out;
@@ -224,6 +234,30 @@ inline Pixels rows_of(std::vector<std::pair<int, std::pair<int, int>>> rows) {
   for (const auto& [y, range] : rows)
     for (int x = range.first; x <= range.second; ++x) out.insert({x, y});
   return out;
+}
+
+// A primitive drawn through the clip path (`cut`, under the hard clip `clip`)
+// against the same primitive drawn whole: inside the clip the same pixels are
+// drawn, with the same values and depths; with a `tolerance`, RGB32 channels
+// and depths within it and mapped indices not compared. Adds the pixels drawn
+// inside the clip to `compared`. Outside the clip is the draw fuzzer's.
+inline ::testing::AssertionResult matches_inside_clip(const Renderer_Harness& cut,
+                                                      const Renderer_Harness& whole,
+                                                      const OT_Int_Rectangle& clip, int tolerance = 0,
+                                                      int* compared = nullptr) {
+  for (int y = clip.bottom; y <= clip.top; ++y)
+    for (int x = clip.left; x <= clip.right; ++x) {
+      const std::uint32_t a = whole.pixel(x, y), b = cut.pixel(x, y);
+      bool same = (a == whole.clear_value()) == (b == cut.clear_value()) && (tolerance > 0 || a == b);
+      for (int shift = 0; tolerance > 0 && !cut.mode().mapped() && shift < 24; shift += 8)
+        same = same && std::abs(int(a >> shift & 255) - int(b >> shift & 255)) <= tolerance;
+      if (cut.mode().depth()) same = same && std::abs(whole.depth(x, y) - cut.depth(x, y)) <= tolerance;
+      if (!same)
+        return ::testing::AssertionFailure()
+               << "at " << x << "," << y << ": " << std::hex << b << " not " << a;
+      if (compared) *compared += a != whole.clear_value();
+    }
+  return ::testing::AssertionSuccess();
 }
 
 // The strip of two triangles that covers [x0, x1) x [y0, y1).

@@ -3,7 +3,6 @@
 // colorized strips, and the strip outline of the RGB32 depth modes.
 #include <map>
 
-#include "pixel/dither.h"
 #include "pixel/rounding.h"
 #include "tests/tarn_test_support.h"
 
@@ -85,6 +84,23 @@ TEST_P(Walk, WindowOriginShiftsTheImageNotTheDevice) {
   Renderer_Harness h(GetParam(), 64, 48, {100, -20});
   h.draw_dci({{110, -10, 0}, {114, -10, 0}, {110, -6, 0}});
   EXPECT_EQ(h.drawn(), rows_of({{-10, {110, 113}}, {-9, {110, 112}}, {-8, {110, 111}}, {-7, {110, 110}}}));
+}
+
+// Points far beyond the walk limits, in 32 bits and as floats, through the
+// clip path: the triangles cover the clip, which they fill exactly.
+TEST_P(Walk, FarPointsFillExactlyTheClip) {
+  Renderer_Harness h(GetParam(), 128, 96);
+  const OT_Int_Rectangle clip{24, 100, 16, 80};
+  h.set_hard_clip(clip);
+  const int far = 1000000;
+  h.draw_2di({{-far, -far, 10}, {far, -far / 2, 10}, {0, far, 10}});
+  h.draw_2di({{INT32_MIN, 5, 3}, {INT32_MAX, 7, 3}, {40, INT32_MAX, 3}, {-far, -far, 3}});
+  h.draw_2d({{-3e9f, 50.f, 3}, {3e9f, 52.f, 3}, {40.f, 60.f, 3}});
+  for (int y = clip.bottom; y <= clip.top; ++y)
+    for (int x = clip.left; x <= clip.right; ++x) ASSERT_EQ(h.pixel(x, y), h.drawn_value()) << x << "," << y;
+  if (GetParam().depth()) {
+    EXPECT_EQ(h.depth(50, 50), 3);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(AllModes, Walk, ::testing::ValuesIn(kAllModes), mode_name);
@@ -212,14 +228,7 @@ TEST(Depth_Alpha, BlendsExactlyAndAlphaZeroWritesDepthOnly) {
 
 // ---- Colorized lists -------------------------------------------------------------
 
-class Colorized : public ::testing::TestWithParam<Mode_Case> {
- protected:
-  // What colour c writes at (x, y): the word, or the dithered index.
-  std::uint32_t value(Renderer_Harness& h, OT_RGB32 c, int x, int y) {
-    if (!h.mode().mapped()) return c.word();
-    return dither_pick(dither_thresholds(h.renderer().cube, c), dither_threshold(y, h.address(x, y)));
-  }
-};
+class Colorized : public ::testing::TestWithParam<Mode_Case> {};
 
 // Five points, three triangles: (0,1,2) of zero height, then two.
 const Points kSkipFirst{{0, 5, 100}, {30, 5, 100}, {15, 5, 100}, {0, 20, 100}, {30, 20, 100}};
@@ -230,9 +239,9 @@ TEST_P(Colorized, ListStepsItsColourPerTriangleAndASkippedOneUsesItsColour) {
                  c2 = OT_RGB32::rgba(0, 0, 255);
   h.colorized(kSkipFirst, {c0, c1, c2}, false);
   // Triangle 1 is (30,5) (15,5) (0,20), triangle 2 (15,5) (0,20) (30,20).
-  EXPECT_EQ(h.pixel(24, 7), value(h, c1, 24, 7));
-  EXPECT_EQ(h.pixel(20, 18), value(h, c2, 20, 18));
-  for (const auto& [x, y] : h.drawn()) ASSERT_NE(h.pixel(x, y), value(h, c0, x, y));
+  EXPECT_EQ(h.pixel(24, 7), h.flat_value(c1, 24, 7));
+  EXPECT_EQ(h.pixel(20, 18), h.flat_value(c2, 20, 18));
+  for (const auto& [x, y] : h.drawn()) ASSERT_NE(h.pixel(x, y), h.flat_value(c0, x, y));
 }
 
 // A single colour after a first triangle of zero height: the mapped
@@ -248,7 +257,7 @@ TEST_P(Colorized, SingleColourAfterAZeroHeightFirstTriangle) {
   EXPECT_EQ(h.pixel(20, 18), h.mode().mapped() ? 0u : c.word());
   // Without the skipped triangle the colour is dithered per pixel.
   h.colorized(rectangle(0, 30, 40, 40), {c}, true);
-  for (int x = 0; x < 40; ++x) ASSERT_EQ(h.pixel(x, 33), value(h, c, x, 33)) << x;
+  for (int x = 0; x < 40; ++x) ASSERT_EQ(h.pixel(x, 33), h.flat_value(c, x, 33)) << x;
 }
 
 INSTANTIATE_TEST_SUITE_P(AllModes, Colorized, ::testing::ValuesIn(kAllModes), mode_name);

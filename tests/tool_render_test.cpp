@@ -234,49 +234,8 @@ const Script_Run kRuns[] = {
     // what came before has run.
     {"echo first \"two  spaces\"\nwindow 8 8\nwindow\necho never\n", 2, "first two  spaces\n",
      ":3: window: expected 2 integers W H, got 0"},
-    {"window 32 24\n\n# comment\nfrobnicate 1 2\n", 2, "", ":4: unknown command 'frobnicate'"},
-    {"window 32 x2\n", 2, "", ":1: window: H: expected an integer, got 'x2'"},
-    {"window 32 24\nset colors.color 1 2 3 256\n", 2, "",
-     ":2: set colors.color: A: 256 is out of range 0..255"},
-    {"window 32 24\nset colors.colour 1 2 3 4\n", 2, "",
-     ":2: set: unknown field 'colors.colour'; the fields of colors are colors.color, colors.color_index, "},
-    {"window 32 24\nmode truecolor\n", 2, "",
-     ":2: mode: unknown mode 'truecolor'; the modes are rgb32_alpha, rgb32, mapped, z_mapped, "},
-    {"window 32 24\nprobe 32 0\n", 2, "", ":2: probe: 32 0 lies outside the window 0 31 0 23 (L R B T)"},
     {"draw_dci_polytriangle 1 1 0 2 1 0 1 2 0\n", 2, "",
      ":1: draw_dci_polytriangle: no window yet: the script must set one with `window W H` first"},
-    {"window 32 24\ndraw_dci_polytriangle 1 1 0 2 1 0 1 2\n", 2, "",
-     ":2: draw_dci_polytriangle: expected points as x y z triples, got 8 numbers"},
-    {"window 32 24\ndraw_dci_polytriangle 1 1 0 2 1.5 0 1 2 0\n", 2, "",
-     ":2: draw_dci_polytriangle: point 2 y: expected an integer, got '1.5'"},
-    {"window 32 24\ndraw_dci_polytriangle 1 1 0 40 1 0 1 2 0\n", 2, "",
-     ":2: draw_dci_polytriangle: point 2 (40, 1) lies outside hard_clip 0 31 0 23; DC and DCI slots take "},
-    {"window 32 24\ndraw_dci_colorized_polytriangle 1 1 0 2 1 0 1 2 0 2 2 0 colors 1 2 3 4\n", 2, "",
-     ":2: draw_dci_colorized_polytriangle colors: expected 2 colours (one a triangle), got 1"},
-    {"window 32 24\ndraw_dci_polytriangle 1 1 0 2 1 0 1 2 0 single\n", 2, "",
-     ":2: draw_dci_polytriangle: `single` is not an argument of this slot"},
-    {"window 32 24\nread_color_rectangle 0 1 0 32 0 0\n", 2, "",
-     ":2: read_color_rectangle: the block must lie inside the window 0 31 0 23: nothing cuts its right side"},
-    {"window 32 24\nmode rgb32\nread_depth_rectangle 0 1 0 1 0 0\n", 2, "",
-     ":3: read_depth_rectangle: the renderer has no depth buffer in this mode"},
-    {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0\n", 2, "",
-     ":2: draw_dci_textured_polytriangle: expected points as x y z u v quintuples, got 14 numbers"},
-    {"window 32 24\ndraw_2di_textured_polytriangle 1 1 0 0 0  2 1 0 0 0\n", 2, "",
-     ":2: draw_2di_textured_polytriangle: expected at least 3 points (x y z u v each), got 2"},
-    {"window 32 24\ndraw_dc_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 w 1 1\n", 2, "",
-     ":2: draw_dc_textured_polytriangle w: expected 3 numbers (one a point), got 2"},
-    {"window 32 24\ndraw_2d_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 normals 0 0 -1 0 0 -1 0 "
-     "0\n",
-     2, "",
-     ":2: draw_2d_textured_polytriangle normals: expected 3 normals X Y Z (one a point), got 8 numbers"},
-    {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 colors 1 2 3 4\n", 2, "",
-     ":2: draw_dci_textured_polytriangle colors: expected 3 colours (one a point), got 1"},
-    {"window 32 24\ndraw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  40 2 0 0 0\n", 2, "",
-     ":2: draw_dci_textured_polytriangle: point 3 (40, 2) lies outside hard_clip 0 31 0 23"},
-    {"window 32 24\ntexture /nonexistent/x.png\n", 2, "",
-     ":2: texture: cannot read /nonexistent/x.png: no such file"},
-    {"window 32 24\ntexture " TARN_EXAMPLES_DIR "/demo.tarn\n", 2, "",
-     ":2: texture: cannot read " TARN_EXAMPLES_DIR "/demo.tarn: not a PNG file"},
     {"texture " TARN_EXAMPLES_DIR "/checker.png wrap 2\n", 2, "",
      ":1: texture: `wrap` takes 2 integers WU WV"},
     {"texture " TARN_EXAMPLES_DIR "/checker.png shiny\n", 2, "", ":1: texture: unexpected 'shiny'"},
@@ -285,32 +244,69 @@ const Script_Run kRuns[] = {
     {"light directional 0 0 0 1 1 1\n", 2, "", ":1: light directional: the direction 0 0 0 points nowhere"},
     {"light ambient 1 1\n", 2, "", ":1: light ambient: expected 3 numbers R G B (0 or more), got 2"},
     {"light spot 1 1 1\n", 2, "", ":1: light: expected `ambient R G B`, `directional X Y Z R G B` or `none`"},
-    {"window 32 24\ndraw_dc_index8_image 30 5 0 33 5 0 pixels 1 2 3 4\n", 2, "",
-     ":2: draw_dc_index8_image: the block must lie inside hard_clip 0 31 0 23 in the DC form"},
-    // After a depth mode, a mode without depth keeps the depth mode's
-    // textured actions, which must not be called.
-    {"window 32 24\nmode rgb32\ndraw_2d_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0\n", 2, "",
-     ":3: draw_2d_textured_polytriangle: the textured slots still hold the actions of an earlier depth mode"},
-    // An index image in an RGB32 mode is the host's, which cuts nothing.
-    {"window 32 24\nmode rgb32\ndraw_dci_index8_image 30 5 0 32 5 0 pixels 1 2 3\n", 2, "",
-     ":3: draw_dci_index8_image: the block must lie inside the window 0 31 0 23: nothing cuts its right "
-     "side"},
-    {"window 32 24\ndraw_2d_rgb32_image 1.5 5 0 2 5 0 pixels 1 2 3 4\n", 2, "",
-     ":2: draw_2d_rgb32_image: the corners' x and y must be whole numbers"},
-    {"window 32 24\noption \"No Such Option\" 1\n", 2, "",
-     ":2: option: the renderer has no option \"No Such Option\""},
-    {"window 32 24\noption \"Use Mask\" 7\n", 2, "",
-     ":2: option \"Use Mask\": value: expected 0, 1, true or false, got '7'"},
-    {"window 32 24\noption \"ZBuffer Test\" null\n", 2, "",
-     ":2: option: \"ZBuffer Test\" holds the renderer's setter; use the command depth_test"},
-    {"window 32 24\noption \"Color Buffer\" null\n", 2, "",
-     ":2: option: \"Color Buffer\" is where the renderer shows its colour image"},
-    {"window 32 24\nset device.hard_clip 0 40 0 23\nclear_color\n", 2, "",
-     ":3: clear_color: device.hard_clip 0 40 0 23 must be a rectangle inside the window 0 31 0 23"},
-    {"window 32 24\necho \"unclosed\n", 2, "", ":2: a quoted string is not closed"},
-    {"window 8 8\nmode rgb32\nsave depth d.png\n", 2, "", ":3: save: the renderer has no depth buffer"},
     // What fails outside the script gives status 1.
     {"window 8 8\nsave color @/no-dir/x.png\n", 1, "", ":2: save: cannot write"},
+};
+
+// Lines after `window 32 24` that stop the run with status 2, and what the
+// error says after the script's name and the line number.
+const std::pair<const char*, const char*> kMistakes[] = {
+    {"\n# comment\nfrobnicate 1 2", "unknown command 'frobnicate'"},
+    {"window 32 x2", "window: H: expected an integer, got 'x2'"},
+    {"set colors.color 1 2 3 256", "set colors.color: A: 256 is out of range 0..255"},
+    {"set colors.colour 1 2 3 4",
+     "set: unknown field 'colors.colour'; the fields of colors are colors.color, "},
+    {"mode truecolor",
+     "mode: unknown mode 'truecolor'; the modes are rgb32_alpha, rgb32, mapped, z_mapped, "},
+    {"probe 32 0", "probe: 32 0 lies outside the window 0 31 0 23 (L R B T)"},
+    {"draw_dci_polytriangle 1 1 0 2 1 0 1 2",
+     "draw_dci_polytriangle: expected points as x y z triples, got 8"},
+    {"draw_dci_polytriangle 1 1 0 2 1.5 0 1 2 0",
+     "draw_dci_polytriangle: point 2 y: expected an integer, got '1.5'"},
+    {"draw_dci_polytriangle 1 1 0 40 1 0 1 2 0",
+     "draw_dci_polytriangle: point 2 (40, 1) lies outside hard_clip 0 31 0 23; DC and DCI slots take "},
+    {"draw_dci_colorized_polytriangle 1 1 0 2 1 0 1 2 0 2 2 0 colors 1 2 3 4",
+     "draw_dci_colorized_polytriangle colors: expected 2 colours (one a triangle), got 1"},
+    {"draw_dci_polytriangle 1 1 0 2 1 0 1 2 0 single",
+     "draw_dci_polytriangle: `single` is not an argument of"},
+    {"read_color_rectangle 0 1 0 32 0 0",
+     "read_color_rectangle: the block must lie inside the window 0 31 0 23: nothing cuts its right side"},
+    {"mode rgb32\nread_depth_rectangle 0 1 0 1 0 0",
+     "read_depth_rectangle: the renderer has no depth buffer in this mode"},
+    {"draw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0",
+     "draw_dci_textured_polytriangle: expected points as x y z u v quintuples, got 14 numbers"},
+    {"draw_2di_textured_polytriangle 1 1 0 0 0  2 1 0 0 0",
+     "draw_2di_textured_polytriangle: expected at least 3 points (x y z u v each), got 2"},
+    {"draw_dc_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 w 1 1",
+     "draw_dc_textured_polytriangle w: expected 3 numbers (one a point), got 2"},
+    {"draw_2d_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 normals 0 0 -1 0 0 -1 0 0",
+     "draw_2d_textured_polytriangle normals: expected 3 normals X Y Z (one a point), got 8 numbers"},
+    {"draw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0 colors 1 2 3 4",
+     "draw_dci_textured_polytriangle colors: expected 3 colours (one a point), got 1"},
+    {"draw_dci_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  40 2 0 0 0",
+     "draw_dci_textured_polytriangle: point 3 (40, 2) lies outside hard_clip 0 31 0 23"},
+    {"texture /nonexistent/x.png", "texture: cannot read /nonexistent/x.png: no such file"},
+    {"texture " TARN_EXAMPLES_DIR "/demo.tarn",
+     "texture: cannot read " TARN_EXAMPLES_DIR "/demo.tarn: not a PNG file"},
+    {"draw_dc_index8_image 30 5 0 33 5 0 pixels 1 2 3 4",
+     "draw_dc_index8_image: the block must lie inside hard_clip 0 31 0 23 in the DC form"},
+    // After a depth mode, a mode without depth keeps the depth mode's
+    // textured actions, which must not be called.
+    {"mode rgb32\ndraw_2d_textured_polytriangle 1 1 0 0 0  2 1 0 0 0  1 2 0 0 0",
+     "draw_2d_textured_polytriangle: the textured slots still hold the actions of an earlier depth mode"},
+    // An index image in an RGB32 mode is the host's, which cuts nothing.
+    {"mode rgb32\ndraw_dci_index8_image 30 5 0 32 5 0 pixels 1 2 3",
+     "draw_dci_index8_image: the block must lie inside the window 0 31 0 23: nothing cuts its right side"},
+    {"draw_2d_rgb32_image 1.5 5 0 2 5 0 pixels 1 2 3 4",
+     "draw_2d_rgb32_image: the corners' x and y must be whole numbers"},
+    {"option \"No Such Option\" 1", "option: the renderer has no option \"No Such Option\""},
+    {"option \"Use Mask\" 7", "option \"Use Mask\": value: expected 0, 1, true or false, got '7'"},
+    {"option \"ZBuffer Test\" null", "option: \"ZBuffer Test\" holds the renderer's setter; use the command"},
+    {"option \"Color Buffer\" null", "option: \"Color Buffer\" is where the renderer shows its colour image"},
+    {"set device.hard_clip 0 40 0 23\nclear_color",
+     "clear_color: device.hard_clip 0 40 0 23 must be a rectangle inside the window 0 31 0 23"},
+    {"echo \"unclosed", "a quoted string is not closed"},
+    {"mode rgb32\nsave depth d.png", "save: the renderer has no depth buffer"},
 };
 
 TEST_F(Tool, ScriptsGiveTheirStatusOutputAndErrors) {
@@ -327,6 +323,14 @@ TEST_F(Tool, ScriptsGiveTheirStatusOutputAndErrors) {
     } else {
       EXPECT_EQ(result.err, "");
     }
+  }
+  for (const auto& [lines, said] : kMistakes) {
+    SCOPED_TRACE(lines);
+    const fs::path script = write_script(std::string("window 32 24\n") + lines + "\n");
+    const Outcome result = run({script.string()});
+    const std::string line = std::to_string(2 + std::count(lines, lines + std::strlen(lines), '\n'));
+    EXPECT_EQ(std::pair(result.status, result.out), std::pair(2, std::string()));
+    EXPECT_TRUE(result.err.starts_with(script.string() + ":" + line + ": " + said)) << result.err;
   }
   // The same script from standard input.
   const Outcome piped = run({"-"}, write_script(kRuns[0].script));
