@@ -63,7 +63,8 @@ struct Pattern_Source {
       s.height = user.height;
       s.row_stride = user.row_bytes;
     } else {
-      s.bits = OMBRA.stipples[pattern == kUserPattern ? kSolidPattern : pattern];
+      // A negative pattern has no stipple either: it too draws solid.
+      s.bits = OMBRA.stipples[pattern == kUserPattern || pattern < 0 ? kSolidPattern : pattern];
       s.width = s.height = 8;
       s.row_stride = 1;
     }
