@@ -29,7 +29,7 @@ namespace {
 
 // The cells a mode sets whose renderer function does not exist yet hold the
 // host's routine, so that a change of mode never leaves another mode's
-// function in a slot that this mode sets. `depth` rows set the textured and
+// function in a slot that this mode sets. `depth` rows set the
 // depth rectangle slots; `marker` rows set the polymarker.
 Mode_Actions with_host_routines(Mode_Actions row, bool depth, bool marker) {
   auto fill = [](auto& cell, auto routine) {
@@ -40,10 +40,6 @@ Mode_Actions with_host_routines(Mode_Actions row, bool depth, bool marker) {
   fill(row.draw_2di_gouraud_polytriangle, OB_Standard_Draw_2DI_Gouraud_Polytriangle);
   fill(row.draw_dci_gouraud_polytriangle, OB_Standard_Draw_DCI_Gouraud_Polytriangle);
   if (depth) {
-    fill(row.draw_2d_textured_polytriangle, OB_Standard_Draw_2D_Textured_Polytriangle);
-    fill(row.draw_dc_textured_polytriangle, OB_Standard_Draw_DC_Textured_Polytriangle);
-    fill(row.draw_2di_textured_polytriangle, OB_Standard_Draw_2DI_Textured_Polytriangle);
-    fill(row.draw_dci_textured_polytriangle, OB_Standard_Draw_DCI_Textured_Polytriangle);
     fill(row.write_depth_rectangle, OB_Standard_Write_Depth_Rectangle);
     fill(row.read_depth_rectangle, OB_Standard_Read_Depth_Rectangle);
   }
