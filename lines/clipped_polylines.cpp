@@ -77,7 +77,10 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
                   const OT_DCI_Point* points) {
   const Software_Z_Buffer& r = renderer_of(object);
   const bool masked = mask_in_force(r, rendition);
-  const OT_RGB32 color = rendition->colors->color;
+  // Behind the mask the depth-alpha mode draws as the depth mode, with the
+  // colour made opaque.
+  OT_RGB32 color = rendition->colors->color;
+  if (Mode::kDepth && Mode::kAlpha && masked) color.a = 255;
   auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
     if constexpr (Mode::kIndex)
       clip_painted(object, rendition, count, points, Mode::kDepth,

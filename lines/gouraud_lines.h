@@ -12,6 +12,7 @@
 #include "pixel/depth_test.h"
 #include "pixel/dither.h"
 #include "pixel/line_attributes.h"
+#include "pixel/mask.h"
 #include "pixel/near_color.h"
 #include "pixel/pixel_writers.h"
 
@@ -123,16 +124,20 @@ void dci_colorized_polyline(OT_Renderer_Data* object, const OT_Rendition& rendit
 // segments the last point is written: in the RGB32 modes in the last colour
 // (depth tested with the point's full z), in the mapped modes from the
 // accumulators where the walk ended (not after a nearly flat last segment).
+// Behind the mask there is no nearly flat case, and a depth form tests and
+// writes the last point with the depth the walk accumulated.
 template <class Mode, class Wrap>
-void walk_gouraud_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+void walk_gouraud_segments(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                            const OT_DCI_Point* points, const OT_RGB32* colors, const Wrap& wrap) {
   using Plot = Gouraud_Line_Plot<Mode, Wrap>;
-  constexpr bool kNearFlat = Mode::kIndex || !Mode::kDepth;
+  constexpr bool kMasked = !std::is_same_v<Wrap, No_Masking>;
+  constexpr bool kNearFlat = (Mode::kIndex || !Mode::kDepth) && !kMasked;
   const Software_Z_Buffer& r = renderer_of(object);
   auto window = [&r](const OT_DCI_Point& p) { return OT_DCI_Point{p.x - r.origin_x, p.y - r.origin_y, p.z}; };
   OT_DCI_Point a = window(points[0]);
   const OT_RGB32 last = colors[count - 1];
   typename Plot::Attributes end = Plot{&r, wrap, last, last}.at(last);
+  [[maybe_unused]] std::int32_t walked_z = a.z;
   for (int i = 0; i + 1 < count; ++i) {
     const OT_DCI_Point b = window(points[i + 1]);
     if constexpr (kNearFlat) {
@@ -144,10 +149,12 @@ void walk_gouraud_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
       }
     }
     end = walk_segment(Plot{&r, wrap, colors[i], colors[i + 1]}, Whole_Segment{}, a, b);
+    if constexpr (kMasked && Mode::kDepth) walked_z = accumulated_z(end.depth, a, b);
     // A segment of no length walks nothing: its end is its colour.
     if (a.x == b.x && a.y == b.y) end = Plot{&r, wrap, last, last}.at(colors[i + 1]);
     a = b;
   }
+  const std::int32_t last_z = kMasked ? walked_z : a.z;
   using Pixel = typename Plot::Pixel;
   Pixel* p = reinterpret_cast<Pixel*>(r.color_image->device_rows[a.y]) + a.x;
   if constexpr (Mode::kIndex) {
@@ -155,11 +162,10 @@ void walk_gouraud_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
     const Shaded_Value<Plot::kChannels> v = end.next();
     if constexpr (Mode::kDepth) {
       std::uint16_t* zp = reinterpret_cast<std::uint16_t*>(r.depth_image->device_rows[a.y]) + a.x;
-      if (!Depth_At_Or_Below::passes(a.z, *zp)) return;
+      if (!Depth_At_Or_Below::passes(last_z, *zp)) return;
       plot.with_store(v, p, a.y, [&](const auto& store) {
-        const auto wrapped = wrap(store);
-        if constexpr (std::decay_t<decltype(wrapped)>::kMasked) {
-          if (wrapped.hidden(p, a.y)) return;
+        if constexpr (kMasked) {
+          if (wrap(store).hidden(p, a.y)) return;
         }
         *zp = v.depth;
         store.pixel(p, a.y);
@@ -171,7 +177,7 @@ void walk_gouraud_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
     auto put = [&](const auto& store) {
       if constexpr (Mode::kDepth)
         depth_pixel<Depth_At_Or_Below, true>(
-            wrap(store), p, reinterpret_cast<std::uint16_t*>(r.depth_image->device_rows[a.y]) + a.x, a.z,
+            wrap(store), p, reinterpret_cast<std::uint16_t*>(r.depth_image->device_rows[a.y]) + a.x, last_z,
             a.y);
       else
         wrap(store).pixel(p, a.y);
@@ -181,6 +187,16 @@ void walk_gouraud_polyline(OT_Renderer_Data* object, const OT_Rendition& renditi
     else
       put(Word_Store{last.word() | 0xFF000000u});
   }
+}
+
+// Behind the mask the RGB32 forms write opaque pixels, alpha or not.
+template <class Mode, class Wrap>
+void walk_gouraud_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                           const OT_DCI_Point* points, const OT_RGB32* colors, const Wrap& wrap) {
+  if constexpr (!std::is_same_v<Wrap, No_Masking> && Mode::kAlpha)
+    walk_gouraud_segments<typename Mode::Opaque>(object, rendition, count, points, colors, wrap);
+  else
+    walk_gouraud_segments<Mode>(object, rendition, count, points, colors, wrap);
 }
 
 }  // namespace tarn

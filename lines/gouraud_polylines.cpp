@@ -1,5 +1,7 @@
 #include "lines/gouraud_polylines.h"
 
+#include <type_traits>
+
 #include "lines/clip_loop.h"
 #include "lines/gouraud_lines.h"
 #include "pixel/entry_tests.h"
@@ -61,8 +63,10 @@ struct Gouraud_Segments {
     walk_gouraud_polyline<Mode>(object, rendition, 2, cut, cut_colors, inside_wrap);
   }
   void crossing(int, const OT_DCI_Point* cut, const Clipped_Segment& clip) const {
-    const Gouraud_Line_Plot<Mode, Crossing_Wrap> plot{&renderer_of(object), crossing_wrap, cut_colors[0],
-                                                      cut_colors[1]};
+    // Behind the mask the RGB32 forms write opaque pixels.
+    using Plot_Mode = std::conditional_t<std::is_same_v<Crossing_Wrap, Masking>, typename Mode::Opaque, Mode>;
+    const Gouraud_Line_Plot<Plot_Mode, Crossing_Wrap> plot{&renderer_of(object), crossing_wrap, cut_colors[0],
+                                                           cut_colors[1]};
     walk_segment(plot, clip, cut[0], cut[1]);
   }
   void last_dot() const { object->draw_dci_dot(rendition, &points[count - 1], &colors[count - 1]); }

@@ -3,6 +3,8 @@
 // segment in its colour and the plot of the polyline's last point.
 #pragma once
 
+#include <type_traits>
+
 #include "lines/line_walker.h"
 #include "pixel/mask.h"
 #include "pixel/point_writers.h"
@@ -26,6 +28,7 @@ struct Color_Paint {
 template <class Stores, class Wrap>
 struct Color_Line_Form {
   static constexpr bool kDepth = false;
+  static constexpr bool kMasked = !std::is_same_v<Wrap, No_Masking>;
   const Software_Z_Buffer* r;
   Stores stores;
   Wrap wrap;
@@ -41,10 +44,12 @@ struct Color_Line_Form {
 
 // The last point of a depth polyline tests its z as a signed number against
 // the stored word, greater skips; otherwise colour and the low 16 bits of z,
-// whatever the depth options say.
+// whatever the depth options say. Behind the mask that z is the one the walk
+// accumulated, not the point's.
 template <class Test, bool kWriteDepth, class Stores, class Wrap>
 struct Depth_Line_Form {
   static constexpr bool kDepth = true;
+  static constexpr bool kMasked = !std::is_same_v<Wrap, No_Masking>;
   const Software_Z_Buffer* r;
   Stores stores;
   Wrap wrap;
@@ -116,12 +121,17 @@ inline void walk_polyline(const Software_Z_Buffer& r, const Form& form, int coun
                           const Paint& paint) {
   auto window = [&r](const OT_DCI_Point& p) { return OT_DCI_Point{p.x - r.origin_x, p.y - r.origin_y, p.z}; };
   OT_DCI_Point a = window(points[0]);
+  [[maybe_unused]] std::int32_t walked_z = a.z;
   for (int i = 0; i + 1 < count; ++i) {
     const OT_DCI_Point b = window(points[i + 1]);
-    walk_segment(form.plot(paint(i)), Whole_Segment{}, a, b);
+    const auto end = walk_segment(form.plot(paint(i)), Whole_Segment{}, a, b);
+    if constexpr (Form::kDepth && Form::kMasked) walked_z = accumulated_z(end, a, b);
     a = b;
   }
-  form.last(paint(count - 2))(a.x, a.y, a.z);
+  if constexpr (Form::kDepth && Form::kMasked)
+    form.last(paint(count - 2))(a.x, a.y, walked_z);
+  else
+    form.last(paint(count - 2))(a.x, a.y, a.z);
 }
 
 }  // namespace tarn

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "host/ot_base.h"
 #include "pixel/fixed_point.h"
 
 namespace tarn {
@@ -32,5 +33,13 @@ struct Line_Depth {
     return candidate;
   }
 };
+
+// The depth a segment's walk has reached at its end point: its accumulator
+// one step past the last pixel, taken whole. A segment of no length walks
+// nothing and stays at its start.
+inline std::int32_t accumulated_z(const Line_Depth& end, const OT_DCI_Point& a, const OT_DCI_Point& b) {
+  if (a.x == b.x && a.y == b.y) return a.z;
+  return static_cast<std::int32_t>(end.pos) >> 15;
+}
 
 }  // namespace tarn

@@ -44,6 +44,21 @@ inline void advance(Mask_Cursor& cursor, std::int32_t n) {
 
 inline bool mask_bit(const Mask_Cursor& cursor) { return (*cursor.address & (128 >> cursor.bit)) != 0; }
 
+// One pixel to the right.
+inline void step(Mask_Cursor& cursor) {
+  if (++cursor.bit == 8) {
+    cursor.bit = 0;
+    ++cursor.address;
+  }
+}
+
+// The cursor of a window-relative pixel in the head mask.
+inline Mask_Cursor mask_cursor_at(const Software_Z_Buffer& renderer, std::int32_t row, std::int32_t x) {
+  Mask_Cursor cursor = row_cursor(*renderer.mask_cache->head, row);
+  advance(cursor, x);
+  return cursor;
+}
+
 // The bit of one window-relative pixel.
 inline bool masked_bit(const Frame_Buffer_Mask& mask, std::int32_t x, std::int32_t y) {
   Mask_Cursor cursor = row_cursor(mask, y);
@@ -69,15 +84,26 @@ struct Masked_Store : Pixelwise<Masked_Store<Store>, typename Store::Pixel> {
   const Frame_Buffer_Mask* mask;
 
   Masked_Store(const Store& s, byte* const* r, const Frame_Buffer_Mask* m) : inner(s), rows(r), mask(m) {}
-  bool hidden(const Pixel* p, std::int32_t row) const {
+  Mask_Cursor cursor_at(const Pixel* p, std::int32_t row) const {
     Mask_Cursor cursor = row_cursor(*mask, row);
     advance(cursor, static_cast<std::int32_t>(p - reinterpret_cast<const Pixel*>(rows[row])));
-    return mask_bit(cursor);
+    return cursor;
   }
+  bool hidden(const Pixel* p, std::int32_t row) const { return mask_bit(cursor_at(p, row)); }
   void pixel(Pixel* p, std::int32_t row) const {
     if (!hidden(p, row)) inner.pixel(p, row);
   }
+  // A run finds its first bit once and steps the cursor beside the pixel.
+  void span(Pixel* p, std::int32_t n, std::int32_t row) const {
+    Mask_Cursor cursor = cursor_at(p, row);
+    for (std::int32_t i = 0; i < n; ++i, step(cursor))
+      if (!mask_bit(cursor)) inner.pixel(p + i, row);
+  }
 };
+
+// Behind the mask a triangle's blend leaves the pixel's alpha byte as it was,
+// where the unmasked blend makes it 255.
+using Masked_Blend_Store = Masked_Store<Blend_Exact_Store_Of<true>>;
 
 // How a filler's writers are made: as they are, or behind the mask. Chosen
 // once per call, so that no unmasked pixel loop pays for the test.
@@ -95,6 +121,9 @@ struct Masking {
   template <class Store>
   Masked_Store<Store> operator()(const Store& store) const {
     return Masked_Store<Store>(store, rows, mask);
+  }
+  Masked_Blend_Store operator()(const Blend_Exact_Store& store) const {
+    return Masked_Blend_Store(Blend_Exact_Store_Of<true>(store.color), rows, mask);
   }
 };
 

@@ -111,15 +111,17 @@ struct Word_Store : Plain_Traits {
   }
 };
 
-// The exact blend of a translucent colour; the pixel's alpha byte becomes 255.
-// The colour's products are formed once; the span loop is plain integer
-// arithmetic on words, which the compiler vectorizes.
-struct Blend_Exact_Store : Blend_Traits {
+// The exact blend of a translucent colour; the pixel's alpha byte becomes 255,
+// or with kKeepAlpha stays as it was. The colour's products are formed once;
+// the span loop is plain integer arithmetic on words, which the compiler
+// vectorizes.
+template <bool kKeepAlpha>
+struct Blend_Exact_Store_Of : Blend_Traits {
   using Pixel = std::uint32_t;
   OT_RGB32 color;
   std::uint32_t inverse, red, green, blue;  // 255 - a, and each channel times a
 
-  explicit Blend_Exact_Store(OT_RGB32 c)
+  explicit Blend_Exact_Store_Of(OT_RGB32 c)
       : color(c),
         inverse(255u - c.a),
         red(std::uint32_t(c.r) * c.a),
@@ -129,13 +131,15 @@ struct Blend_Exact_Store : Blend_Traits {
     const std::uint32_t b = ((old & 255u) * inverse + blue) / 255u;
     const std::uint32_t g = ((old >> 8 & 255u) * inverse + green) / 255u;
     const std::uint32_t r = ((old >> 16 & 255u) * inverse + red) / 255u;
-    return b | g << 8 | r << 16 | 0xFF000000u;
+    return b | g << 8 | r << 16 | (kKeepAlpha ? old & 0xFF000000u : 0xFF000000u);
   }
   void pixel(Pixel* p, std::int32_t) const { *p = blended(*p); }
   void span(Pixel* p, std::int32_t n, std::int32_t) const {
     for (std::int32_t i = 0; i < n; ++i) p[i] = blended(p[i]);
   }
 };
+
+using Blend_Exact_Store = Blend_Exact_Store_Of<false>;
 
 // The weight blend, for pixels touched one at a time.
 struct Blend_Weight_Store : Pixelwise<Blend_Weight_Store, std::uint32_t, Blend_Traits> {

@@ -155,6 +155,27 @@ const Drawing kDrawings[] = {
        h.line_2di({{-50, 15, 100}, {120, 15, 100}, {22, 90, 100}, {22, -40, 100}});
      },
      [](const Mode_Case& m) { return !(m.mapped() && m.depth()); }},
+    {"gouraud_strip",
+     [](Renderer_Harness& h) {
+       const Points p{{2, 1, 100}, {60, 3, 900}, {5, 46, 400}, {62, 44, 50}};
+       const std::vector<OT_RGB32> c{
+           {250, 10, 10, 255}, {10, 250, 10, 255}, {10, 10, 250, 255}, {90, 90, 90, 255}};
+       h.renderer().draw_dci_gouraud_polytriangle(h.rendition(), 4, p.data(), c.data());
+       h.set_hard_clip({12, 45, 8, 33});
+       const Points q{{-30, 20, 50}, {90, 30, 60}, {20, 70, 70}};
+       h.renderer().draw_2di_gouraud_polytriangle(h.rendition(), 3, q.data(), c.data());
+     },
+     not_alpha_depth},
+    {"shaded_lines",
+     [](Renderer_Harness& h) {
+       const std::vector<OT_RGB32> c{{250, 10, 10, 255}, {10, 250, 10, 255}, {10, 10, 250, 255}};
+       for (int end = 0; end < 64; end += 5) {
+         const Points p{{30, 24, 100}, {end, 0, 300}, {63 - end, 47, 200}};
+         h.renderer().draw_dci_gouraud_polyline(h.rendition(), 3, p.data(), c.data());
+         h.renderer().draw_dci_colorized_polyline(h.rendition(), 3, p.data(), c.data(), false);
+       }
+     },
+     [](const Mode_Case& m) { return !(m.mapped() && !m.depth()); }},
     {"dots_and_markers",
      [](Renderer_Harness& h) {
        Points points;
@@ -230,6 +251,130 @@ TEST(Masked_Lines, DepthAlphaLineBehindAMaskIsOpaqueAndAJointUnderASetBitIsSkipp
   g.use_mask(OT_Contour_Set(data));
   g.line({{10, 5, 0}, {20, 5, 0}, {20, 15, 0}, {30, 15, 0}});
   EXPECT_EQ(g.drawn(), rows_of({{5, {10, 19}}, {15, {21, 30}}}));
+}
+
+// ---- Where a masked form is not the plain one behind a test -------------------------
+
+OT_Contour_Set everything() { return box(-5, -5, 100, 100); }
+
+// A translucent triangle behind the mask blends red, green and blue and
+// leaves the pixel's alpha byte; alpha 0 leaves the pixel whole. Worked:
+// (b, g, r) = (0x40, 0x30, 0x20) under (50, 100, 200) at 128 is
+// ((64 * 127 + 50 * 128) / 255, ...) = (56, 74, 116).
+TEST(Masked_Rules, TranslucentTrianglesKeepThePixelsAlphaByte) {
+  for (const bool masked : {false, true}) {
+    Renderer_Harness h(kRgb32Alpha);
+    if (masked) h.use_mask(everything());
+    for (int y = 0; y < 48; ++y)
+      for (int x = 0; x < 64; ++x) h.poke(x, y, 0x10203040u);
+    const std::vector<OT_RGB32> colors{{50, 100, 200, 128}, {50, 100, 200, 0}};
+    h.colorized({{0, 0, 0}, {30, 0, 0}, {0, 20, 0}, {30, 20, 0}}, colors, false);
+    const std::uint32_t alpha = masked ? 0x10000000u : 0xFF000000u;
+    EXPECT_EQ(h.pixel(2, 2), alpha | 0x744A38u) << masked;
+    if (masked) {
+      EXPECT_EQ(h.pixel(28, 18), 0x10203040u) << "alpha 0";
+    }
+    // Gouraud: the same colours per pixel, the alpha byte kept.
+    Renderer_Harness plain(kRgb32Alpha);
+    for (Renderer_Harness* each : {&h, &plain}) {
+      const Points p{{34, 2, 0}, {62, 4, 0}, {36, 44, 0}};
+      const std::vector<OT_RGB32> c{{250, 10, 10, 40}, {10, 250, 10, 200}, {10, 10, 250, 120}};
+      for (int y = 0; y < 48; ++y)
+        for (int x = 34; x < 64; ++x) each->poke(x, y, 0x10203040u);
+      each->renderer().draw_dci_gouraud_polytriangle(each->rendition(), 3, p.data(), c.data());
+    }
+    for (int y = 0; y < 48; ++y)
+      for (int x = 34; x < 64; ++x) {
+        const std::uint32_t drawn = plain.pixel(x, y);
+        ASSERT_EQ(h.pixel(x, y), drawn == 0x10203040u ? drawn : (drawn & 0xFFFFFFu) | alpha) << x << "," << y;
+      }
+  }
+}
+
+// A patterned mapped strip with merge on, behind the mask, merges in each
+// triangle's first part (rows below its middle point) as a crossing triangle
+// does, and stores plain below as the unmasked strip does.
+TEST(Masked_Rules, MappedPatternMergesDownToTheMiddlePointOnly) {
+  for (const std::uint32_t contrast : {0u, 1u}) {
+    Renderer_Harness masked(kMapped), plain(kMapped), crossing(kMapped);
+    masked.use_mask(everything());
+    for (Renderer_Harness* h : {&masked, &plain, &crossing}) {
+      set_face_pattern(h->rendition(), 3);
+      h->rendition().writable_raster()->write_mode = 20;
+      h->rendition().writable_raster()->stipple_flags = contrast;
+      h->rendition().writable_colors()->contrast_index = 5;
+      for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 64; ++x) h->poke(x, y, (x * 7 + y) % 11);
+    }
+    const Points triangle{{4, 3, 0}, {60, 21, 0}, {6, 44, 0}};
+    masked.draw_dci(triangle);
+    plain.draw_dci(triangle);
+    crossing.set_hard_clip({5, 63, 0, 47});
+    crossing.draw_2di(triangle);
+    int merged_differs = 0;
+    for (int y = 0; y < 48; ++y)
+      for (int x = 5; x < 64; ++x) {
+        const Renderer_Harness& expected = y < 21 ? crossing : plain;
+        ASSERT_EQ(masked.pixel(x, y), expected.pixel(x, y)) << x << "," << y << " contrast " << contrast;
+        merged_differs += y < 21 && crossing.pixel(x, y) != plain.pixel(x, y);
+      }
+    EXPECT_GT(merged_differs, 10);
+  }
+}
+
+// A line's last point behind the mask is tested and written with the depth
+// the walk accumulated: z 70000 wraps to -61072 in 17.15, which passes at or
+// below and stores 4464, where the unmasked form compares 70000 and skips.
+class Masked_Depth_Lines : public ::testing::TestWithParam<Mode_Case> {};
+
+TEST_P(Masked_Depth_Lines, LastPointTakesTheAccumulatedDepth) {
+  const Points p{{0, 5, 70000}, {3, 5, 70000}};
+  const std::vector<OT_RGB32> c{{10, 20, 30, 255}, {200, 20, 30, 255}};
+  using Draw = std::function<void(Renderer_Harness&)>;
+  const Draw draws[] = {
+      [&](Renderer_Harness& h) { h.line(p); },
+      [&](Renderer_Harness& h) {
+        h.renderer().draw_dci_colorized_polyline(h.rendition(), 2, p.data(), c.data(), true);
+      },
+      [&](Renderer_Harness& h) {
+        h.renderer().draw_dci_gouraud_polyline(h.rendition(), 2, p.data(), c.data());
+      },
+  };
+  for (const Draw& draw : draws) {
+    Renderer_Harness masked(GetParam()), plain(GetParam());
+    masked.use_mask(everything());
+    draw(masked);
+    draw(plain);
+    EXPECT_EQ(masked.depth(2, 5), 4464);
+    EXPECT_EQ(plain.depth(2, 5), 4464);
+    EXPECT_EQ(masked.depth(3, 5), 4464);
+    EXPECT_EQ(plain.depth(3, 5), 0xFFFF);
+    EXPECT_NE(masked.pixel(3, 5), masked.clear_value());
+    EXPECT_EQ(plain.pixel(3, 5), plain.clear_value());
+  }
+}
+INSTANTIATE_TEST_SUITE_P(DepthModes, Masked_Depth_Lines, ::testing::ValuesIn(kDepthModes), mode_name);
+
+// Behind the mask a Gouraud line has no nearly flat case and writes opaque
+// pixels in the alpha modes; a 2DI line in the depth-alpha mode is opaque,
+// alpha byte 255, where its DCI form stores the colour whole.
+TEST(Masked_Rules, MaskedLinesInTheAlphaModesAreOpaque) {
+  const OT_RGB32 translucent{30, 20, 10, 128};
+  const std::uint32_t opaque = OT_RGB32{30, 20, 10, 255}.word();
+  for (const Mode_Case* mode : {&kRgb32Alpha, &kZRgb32Alpha}) {
+    Renderer_Harness h(*mode);
+    h.use_mask(everything());
+    const Points p{{2, 3, 100}, {40, 3, 100}};
+    const std::vector<OT_RGB32> c{translucent, translucent};
+    h.renderer().draw_dci_gouraud_polyline(h.rendition(), 2, p.data(), c.data());
+    EXPECT_EQ(h.pixel(10, 3), opaque) << mode->name;
+  }
+  Renderer_Harness h(kZRgb32Alpha);
+  h.use_mask(everything());
+  h.set_color(translucent, 0);
+  h.line_2di({{2, 8, 100}, {40, 8, 100}});
+  h.line({{2, 9, 100}, {40, 9, 100}});
+  EXPECT_EQ(std::pair(h.pixel(10, 8), h.pixel(10, 9)), std::pair(opaque, translucent.word()));
 }
 
 }  // namespace

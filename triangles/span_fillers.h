@@ -68,6 +68,22 @@ struct Pattern_Pixels {
   }
 };
 
+// Two pattern paths in one triangle: rows below split_row (its first part,
+// up to the middle point) take `first`, the others `second`.
+template <class First, class Second>
+struct Split_Pixels {
+  First first;
+  Second second;
+  std::int32_t split_row;
+
+  void run(byte* const* rows, std::int32_t row, std::int32_t xl, std::int32_t n) const {
+    if (row < split_row)
+      first.run(rows, row, xl, n);
+    else
+      second.run(rows, row, xl, n);
+  }
+};
+
 template <class Pixels>
 struct Color_Filler : Plain_Edges {
   byte* const* rows;  // device_rows of the colour image

@@ -87,10 +87,14 @@ struct Mapped_Fill {
       with_color_filler(fill_setup(s), main, hole, walk);
   }
 
-  // The all-inside strip: a mapped pattern does not merge.
+  // The all-inside strip: a mapped pattern does not merge, except behind the
+  // mask, where it merges in the first part of each triangle.
   template <class Wrap>
   void inside(const Strip_Call& s, const Wrap& wrap) const {
     const auto hole = wrap(Index_Store{contrast});
+    if constexpr (!Mode::kDepth && std::is_same_v<Family, Flat> && !std::is_same_v<Wrap, No_Masking>) {
+      if (merge && s.fill != Face_Fill::solid) return masked_pattern_merge(s, wrap);
+    }
     if constexpr (std::is_same_v<Family, Colorized>) {
       Dither_Per_Triangle dither(s);
       for (int i = 0; i + 2 < s.count; ++i) paint(s, wrap(dither(i)), hole, inside_walk(s, i));
@@ -126,6 +130,34 @@ struct Mapped_Fill {
   }
 
   static byte flat_index(const Strip_Call& s) { return static_cast<byte>(s.rendition->colors->color_index); }
+
+  // Each triangle merges main and contrast colour down to its middle point,
+  // and stores them plain below it.
+  template <class Wrap>
+  void masked_pattern_merge(const Strip_Call& s, const Wrap& wrap) const {
+    const Merge_Mapped rule(s.r);
+    const auto merged = wrap(Merge_Index_Store(rule, flat_index(s)));
+    const auto plain = wrap(Index_Store{flat_index(s)});
+    auto each = [&](const auto& first_hole, const auto& second_hole) {
+      using First = Pattern_Pixels<std::decay_t<decltype(merged)>, std::decay_t<decltype(first_hole)>>;
+      using Second = Pattern_Pixels<std::decay_t<decltype(plain)>, std::decay_t<decltype(second_hole)>>;
+      for (int i = 0; i + 2 < s.count; ++i) {
+        const OT_DCI_Point* p = s.points + i;
+        const std::int32_t middle =
+            std::max(std::min(p[0].y, p[1].y), std::min(std::max(p[0].y, p[1].y), p[2].y));
+        const Color_Filler<Split_Pixels<First, Second>> filler{{},
+                                                               s.r.color_image->device_rows,
+                                                               {{merged, first_hole, &s.source},
+                                                                {plain, second_hole, &s.source},
+                                                                wrap_sub(middle, s.r.origin_y)}};
+        inside_walk(s, i)(filler);
+      }
+    };
+    if (s.flags.contrast)
+      each(wrap(Merge_Index_Store(rule, contrast)), wrap(Index_Store{contrast}));
+    else
+      each(No_Store<byte>{}, No_Store<byte>{});
+  }
 };
 
 // The writers of a translucent or merging colour without depth: a blend
