@@ -93,10 +93,24 @@ struct Masked_Store : Pixelwise<Masked_Store<Store>, typename Store::Pixel> {
   void pixel(Pixel* p, std::int32_t row) const {
     if (!hidden(p, row)) inner.pixel(p, row);
   }
-  // A run finds its first bit once and steps the cursor beside the pixel.
+  // A run finds its first bit once and steps the cursor beside the pixel; a
+  // whole mask byte of eight clear or eight set bits is one run of the inner
+  // writer or nothing.
   void span(Pixel* p, std::int32_t n, std::int32_t row) const {
     Mask_Cursor cursor = cursor_at(p, row);
-    for (std::int32_t i = 0; i < n; ++i, step(cursor))
+    std::int32_t i = 0;
+    for (; i < n && cursor.bit != 0; ++i, step(cursor))
+      if (!mask_bit(cursor)) inner.pixel(p + i, row);
+    for (; i + 8 <= n; i += 8, ++cursor.address) {
+      const byte bits = *cursor.address;
+      if (bits == 0) {
+        inner.span(p + i, 8, row);
+      } else if (bits != 0xFF) {
+        for (int k = 0; k < 8; ++k)
+          if (!(bits & (128 >> k))) inner.pixel(p + i + k, row);
+      }
+    }
+    for (; i < n; ++i, step(cursor))
       if (!mask_bit(cursor)) inner.pixel(p + i, row);
   }
 };

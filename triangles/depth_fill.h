@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "pixel/depth_test.h"
+#include "pixel/mask.h"
 #include "triangles/span_fillers.h"
 
 namespace tarn {
@@ -75,6 +76,17 @@ struct Depth_Solid_Pixels {
   // A plain store of one word or index is copied: no pixel the run writes
   // can reach the copy, so its value stays in a register.
   void run(const Depth_Span_At<Pixel>& at, std::int32_t n, std::uint32_t z, std::int32_t step) const {
+    if constexpr (Store::kMasked) {
+      // The mask cursor steps beside the pixel: the test, then the bit.
+      Mask_Cursor cursor = store.cursor_at(at.p, at.row);
+      for (std::int32_t i = 0; i < n; ++i, z += static_cast<std::uint32_t>(step), tarn::step(cursor)) {
+        const std::uint16_t d = static_cast<std::uint16_t>(z >> 15);
+        if (!Rule::Test::passes(d, at.zp[i]) || mask_bit(cursor)) continue;
+        if constexpr (Rule::kWriteDepth) at.zp[i] = d;
+        store.inner.pixel(at.p + i, at.row);
+      }
+      return;
+    }
     using Own = std::conditional_t<(sizeof(Store) <= 8), const Store, const Store&>;
     Own own = store;
     for (std::int32_t i = 0; i < n; ++i, z += static_cast<std::uint32_t>(step))
