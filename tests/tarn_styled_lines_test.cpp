@@ -113,6 +113,9 @@ TEST(Line_Types, PiecesJoinIntoRunsAsThePatternSays) {
       {"two points, two slots", Test_Set().add(kDash).add(kDash).slots(0, 0, 2), kStraight, ""},
       {"two points, one slot", Test_Set().add(kDash).add_none().slots(0, 0, 1), kStraight,
        " 0,0,0 10,0,0 | 15,0,0 25,0,0"},
+      // Solid ends of the whole path, the end after the corner.
+      {"whole path, solid ends", Test_Set().add({{10, -5}, 3, 4}), kCorner,
+       " 0,0,0 3,0,0 13,0,0 | 18,0,0 20,0,0 20,6,0 20,10,0"},
       {"phase 12", Test_Set().add({{10, -5}, 0, 0, 12}), kStraight, " 3,0,0 13,0,0 | 18,0,0 28,0,0"},
       {"set scale", Test_Set().add(kDash).scale(2), {{0, 0, 0}, {40, 0, 0}}, " 0,0,0 20,0,0 | 30,0,0 40,0,0"},
       {"length scale",
@@ -128,6 +131,10 @@ TEST(Line_Types, PiecesJoinIntoRunsAsThePatternSays) {
       // next to the solid ends go.
       {"dots",
        Test_Set().add({{0, -4}}),
+       {{0, 0, 0}, {10, 0, 0}},
+       " 0,0,0 0,0,0 | 4,0,0 4,0,0 | 8,0,0 8,0,0"},
+      {"dotted ends without solid parts",
+       Test_Set().add({{0, -4}, 0, 0, 0, 2}),
        {{0, 0, 0}, {10, 0, 0}},
        " 0,0,0 0,0,0 | 4,0,0 4,0,0 | 8,0,0 8,0,0"},
       {"dots by dotted ends",
