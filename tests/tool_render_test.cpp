@@ -541,6 +541,11 @@ TEST_F(Tool, TheExamplesRender) {
        "probe 65 266 color=0,0,255,255 depth=65535\nprobe 65 250 color=0,0,0,255 depth=65535\n"
        "probe 65 74 index=0\nprobe 148 118 color=110,116,130,255 depth=30000\n"
        "probe 238 118 color=230,60,50,255 depth=29000"},
+      // A gap of a dashed line in rgb32_alpha; solid in rgb32, and blended
+      // in z_rgb32_alpha, whose DCI lines with depth off are not cut.
+      {"styled", 512, 400,
+       "probe 307 316 color=40,44,52,255 depth=0\nprobe 51 316 color=230,60,150,255 depth=0\n"
+       "probe 307 116 color=188,56,128,255 depth=65535"},
       // The first pixel of an RGB32 image stands at the ramp's first depth.
       {"textures", 512, 512, "probe 112 335 color=0,255,128,255 depth=2000"},
   };
