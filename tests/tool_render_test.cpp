@@ -340,6 +340,8 @@ const std::pair<const char*, const char*> kMistakes[] = {
     {"set line.line_type_set skips 2 type 1 -1 type 1 -1",
      "set line.line_type_set: skips: slot 2 is not below end 2"},
     {"set line.line_type_set other", "set line.line_type_set: unknown 'other'"},
+    {"set line.line_type_set type 1 -1\ndraw_2di_polyline 0 0 0 1000000 1 0",
+     "draw_2di_polyline: the line type set could cut this polyline into more than a million pieces"},
     {"echo \"unclosed", "a quoted string is not closed"},
     {"mode rgb32\nsave depth d.png", "save: the renderer has no depth buffer"},
 };

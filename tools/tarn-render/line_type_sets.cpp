@@ -1,5 +1,6 @@
 #include "tools/tarn-render/line_type_sets.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -169,6 +170,19 @@ std::unique_ptr<Script_Line_Type_Set> parse_line_type_set(const Arguments& value
   set.skip_count = std::uint32_t(owner->skips.size());
   set.skips = owner->skips.empty() ? nullptr : owner->skips.data();
   return owner;
+}
+
+double most_line_type_pieces(const OT_Line_Type_Set& set, double length, std::size_t segments) {
+  double per_length = 0.0;
+  for (const OT_Line_Type& type : set.line_types) {
+    if (type == OT_Line_Type::None) continue;
+    const OT_Line_Type_Definition& definition = *type->definition;
+    double round = 0.0;
+    for (std::int64_t i = 0; i < definition.length_count; ++i) round += std::fabs(definition.lengths[i]);
+    round *= std::fabs(type->length_scale * set.scale);
+    per_length = std::max(per_length, double(definition.length_count) / round);
+  }
+  return length * per_length + 3.0 * double(segments);
 }
 
 }  // namespace tarn_render

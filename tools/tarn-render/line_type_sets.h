@@ -31,4 +31,9 @@ struct Script_Line_Type_Set {
 // is wrong.
 std::unique_ptr<Script_Line_Type_Set> parse_line_type_set(const Arguments& values);
 
+// At most how many pieces `set` cuts a polyline of `segments` segments and
+// `length` in all into: a piece for each entry of each round of the densest
+// type, and the solid parts of every segment.
+double most_line_type_pieces(const OT_Line_Type_Set& set, double length, std::size_t segments);
+
 }  // namespace tarn_render
