@@ -143,6 +143,16 @@ TEST(Line_Types, PiecesJoinIntoRunsAsThePatternSays) {
        " 0,0,0 0,0,0 | 5,0,0 5,0,0 | 10,0,0 10,0,0"},
       // A dot followed by a line from it: the dot's points become the line.
       {"dot then dash", Test_Set().add({{0, 10, -5}}), kStraight, " 0,0,0 10,0,0 | 15,0,0 25,0,0"},
+      // Lengths count from Epsilon, 1e-12 by way of single precision: a
+      // solid start of 1e-12 is a piece of one point, of Epsilon nothing.
+      {"start 1e-12",
+       Test_Set().add({{-5, 3}, 1e-12}),
+       {{0, 0, 0}, {10, 0, 0}},
+       " 0,0,0 0,0,0 | 5,0,0 8,0,0"},
+      {"start Epsilon",
+       Test_Set().add({{-5, 3}, 9.999999960041972e-13}),
+       {{0, 0, 0}, {10, 0, 0}},
+       " 5,0,0 8,0,0"},
       // Truncation toward zero: -3.98, -2.78, 1.19.
       {"truncation", Test_Set().add({{5, -20}}), {{0, 0, 0}, {-10, -7, 3}}, " 0,0,0 -3,-2,1"},
       {"None",
