@@ -214,12 +214,14 @@ const Script_Run kRuns[] = {
      0, "probe 0 4 color=0,0,0,255\nprobe 0 3 color=4,4,4,255\nprobe 7 3 color=255,0,0,255\n", ""},
 
     // A dashed line: the pieces 0-10 and 15-25 with their last points, then
-    // the same line solid again. The halo material: a thin line is drawn
+    // the same line solid again (after a set whose round is 1 long, the
+    // shortest the tool takes). The halo material: a thin line is drawn
     // last in its own colour, a wide one (the host's, one dot a pixel) in
     // the material's inner colour.
     {"window 40 8\nmode rgb32_alpha\nclear_color\nset line.line_type_set type 10 -5\n"
      "draw_dci_polyline 0 2 0 30 2 0\nprobe 10 2\nprobe 12 2\nprobe 15 2\nprobe 25 2\nprobe 26 2\n"
-     "set line.line_type_set none\ndraw_dci_polyline 0 3 0 30 3 0\nprobe 12 3\n"
+     "set line.line_type_set type 0.5 -0.5\nset line.line_type_set none\ndraw_dci_polyline 0 3 0 30 3 0\n"
+     "probe 12 3\n"
      "set colors.material halo 1 0 255 0 255 0 0 255 255\nset colors.color 9 9 9 255\n"
      "draw_2di_polyline 0 5 0 30 5 0\nprobe 12 5\nset line.weight 3\ndraw_dci_polyline 0 6 0 30 6 0\n"
      "probe 12 6\n",
