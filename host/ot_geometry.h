@@ -73,7 +73,46 @@ class OMBRA_API OT_User_Pattern : public OT_Handle<OT_User_Pattern_Data> {
   explicit OT_User_Pattern(OT_User_Pattern_Data* data) : OT_Handle(data) {}
 };
 
+// The pattern of a line type: signed lengths, positive drawn, negative
+// skipped, zero a dot. Its owner keeps `lengths` alive as long as a line type
+// points to it.
+struct OT_Line_Type_Definition {
+  const double* lengths = nullptr;
+  std::int64_t length_count = 0;
+  std::int32_t end_style = 0;  // 2: the solid ends shrink to dots, end dots of the pattern go
+};
+
+class OMBRA_API OT_Line_Type_Data : public OT_Clonable<OT_Line_Type_Data> {
+ public:
+  const OT_Line_Type_Definition* definition = nullptr;
+  double length_scale = 1.0;
+  double start_length = 0.0;  // drawn solid at the start of the path
+  double end_length = 0.0;    // drawn solid at its end
+  double phase = 0.0;         // pattern length skipped at the start
+};
+
+// A counted line type; the null handle is None, no type: the line is solid.
+class OMBRA_API OT_Line_Type : public OT_Handle<OT_Line_Type_Data> {
+ public:
+  static const OT_Line_Type None;
+
+  OT_Line_Type() = default;
+  explicit OT_Line_Type(OT_Line_Type_Data* data) : OT_Handle(data) {}
+  OT_Line_Type(const OT_Line_Type& other);
+  OT_Line_Type& operator=(const OT_Line_Type& other) = default;
+};
+
+// What a rendition's line section points to: line types for the whole path
+// or one a segment. The owner keeps the set and `skips` alive as long as a
+// rendition points to it; &None means no line type.
 struct OMBRA_API OT_Line_Type_Set {
   static const OT_Line_Type_Set None;
-  std::int32_t id;
+
+  std::vector<OT_Line_Type> line_types;
+  std::int32_t per_segment = 0;  // non-zero: each segment has a type of its own
+  double scale = 1.0;            // multiplies all lengths of the types
+  std::int32_t first_type = 0;   // index of the first type used
+  std::int32_t end_type = 0;     // number of slots from first_type on
+  std::uint32_t skip_count = 0;
+  const std::uint32_t* skips = nullptr;  // ascending slots that take no segment
 };

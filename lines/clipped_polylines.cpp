@@ -5,6 +5,7 @@
 #include "lines/clip_loop.h"
 #include "lines/line_forms.h"
 #include "lines/segment_clipper.h"
+#include "lines/styled_lines.h"
 #include "pixel/entry_tests.h"
 
 namespace tarn {
@@ -104,18 +105,25 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
 }
 
 // The 2DI line family. The entry tests, in their order: no image or a short
-// list returns; wide or patterned lines go to the host; depth off takes the
-// mode without depth. A single opaque colour in the blending mode without
-// depth is drawn by the opaque mode, as its DCI action would draw the inside
-// runs: the weight blend of alpha 255 stores the colour itself.
+// list returns; line types are taken apart and the halo drawn in the modes
+// that do so; wide or patterned lines go to the host; depth off takes the
+// mode without depth, its line type test included. A single opaque colour
+// in the blending mode without depth is drawn by the opaque mode, as its DCI
+// action would draw the inside runs: the weight blend of alpha 255 stores
+// the colour itself.
 template <class Mode>
 void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                       const OT_DCI_Point* points) {
   if (nothing_to_draw(renderer_of(object), count)) return;
+  if (drawn_as_line_type<Mode, clipped_polyline<Mode>>(object, rendition, count, points)) return;
+  if (drawn_as_halo<Mode, clipped_polyline<Mode>>(object, rendition, count, points)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
   if constexpr (Mode::kDepth) {
-    if (depth_off(rendition))
-      return clip_in_mode<typename Mode::Without_Depth>(object, rendition, count, points);
+    using Flat = typename Mode::Without_Depth;
+    if (depth_off(rendition)) {
+      if (drawn_as_line_type<Flat, clipped_polyline<Flat>>(object, rendition, count, points)) return;
+      return clip_in_mode<Flat>(object, rendition, count, points);
+    }
   }
   if constexpr (Mode::kAlpha && !Mode::kDepth) {
     if (rendition->colors->color.a > 254)

@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "lines/line_forms.h"
+#include "lines/styled_lines.h"
 #include "pixel/entry_tests.h"
 
 namespace tarn {
@@ -12,8 +13,8 @@ namespace {
 // modes) or a colour a segment, in Mode. The entry tests, in their order:
 // depth off hands the call to the mode without depth; a single opaque colour
 // in the blending mode without depth to the opaque mode (merge ignores
-// alpha); wide or patterned lines to the host; then the mask picks the form.
-// Line types and the two-pass halo test are not handled: every line is solid.
+// alpha); a flat mapped line's line type is taken apart; wide or patterned
+// lines to the host; then the mask picks the form.
 template <class Mode, class Paint>
 void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
                const Paint& paint) {
@@ -26,6 +27,8 @@ void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int coun
       return dci_lines<typename Mode::Opaque>(object, rendition, count, points, paint);
   }
   constexpr bool kFlat = std::is_same_v<Paint, Index_Paint>;
+  if constexpr (kFlat)
+    if (drawn_as_line_type<Mode, dci_polyline<Mode>>(object, rendition, count, points)) return;
   if (host_line(rendition)) {
     if constexpr (kFlat)
       return OB_Standard_Draw_DCI_Polyline(object, rendition, count, points);
@@ -44,7 +47,8 @@ void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int coun
 }  // namespace
 
 // The flat polyline: a copy of the rendition's colour as a single colour in
-// the RGB32 modes, which have no flat walker of their own.
+// the RGB32 modes, which have no flat walker of their own, after their line
+// type and halo tests.
 template <class Mode>
 void dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                   const OT_DCI_Point* points) {
@@ -52,6 +56,8 @@ void dci_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
     dci_lines<Mode>(object, rendition, count, points,
                     Index_Paint{static_cast<byte>(rendition->colors->color_index)});
   } else {
+    if (drawn_as_line_type<Mode, dci_polyline<Mode>>(object, rendition, count, points)) return;
+    if (drawn_as_halo<Mode, dci_polyline<Mode>>(object, rendition, count, points)) return;
     const OT_RGB32 color = rendition->colors->color;
     dci_lines<Mode>(object, rendition, count, points, Color_Paint{&color, true});
   }

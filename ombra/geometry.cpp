@@ -4,7 +4,10 @@
 
 #include "host/ob_functions.h"
 
-const OT_Line_Type_Set OT_Line_Type_Set::None{0};
+const OT_Line_Type_Set OT_Line_Type_Set::None{};
+const OT_Line_Type OT_Line_Type::None;
+
+OT_Line_Type::OT_Line_Type(const OT_Line_Type& other) : OT_Handle(other) {}
 
 void OT_Vector::normalize() {
   const double length = std::sqrt(double(x) * x + double(y) * y + double(z) * z);

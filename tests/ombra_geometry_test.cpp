@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <tuple>
 #include <vector>
 
 #include "host/ombra.h"
@@ -174,6 +175,31 @@ TEST(OmbraGeometry, ContourSetsMatricesAndUserPatterns) {
   OT_User_Pattern_Data* mine = make_unique(copy);
   EXPECT_NE(mine->bits, pattern->bits);
   EXPECT_EQ(mine->bits[5], 6);
+}
+
+// A line type is a counted handle: the copy shares the record, a writer
+// gets a clone that keeps the definition; None is the null handle.
+TEST(OmbraGeometry, LineTypesCopyOnWrite) {
+  const double lengths[2] = {10, -5};
+  const OT_Line_Type_Definition definition{lengths, 2, 2};
+  OT_Line_Type type(new OT_Line_Type_Data);
+  type->definition = &definition;
+  type->phase = 3;
+  OT_Line_Type copy(type);
+  EXPECT_EQ(copy.get(), type.get());
+  EXPECT_EQ(type->count.load(), 2u);
+  const std::uint32_t serial = type->serial;
+  OT_Line_Type_Data* mine = make_unique(copy);
+  ASSERT_NE(mine, type.get());
+  EXPECT_NE(mine->serial, serial);
+  EXPECT_EQ(std::tuple(mine->count.load(), type->count.load()), std::tuple(1u, 1u));
+  EXPECT_EQ(mine->definition, &definition);
+  mine->phase = 6;
+  EXPECT_EQ(type->phase, 3);
+  EXPECT_FALSE(OT_Line_Type::None);
+  EXPECT_TRUE(OT_Line_Type() == OT_Line_Type::None);
+  EXPECT_FALSE(type == OT_Line_Type::None);
+  EXPECT_TRUE(OT_Line_Type_Set::None.line_types.empty());
 }
 
 // Mask bits are set outside the region; a pixel is inside by the even-odd

@@ -213,6 +213,24 @@ const Script_Run kRuns[] = {
      "draw_2d_index8_image 6 3 0  8 3 0 pixels 9 9 9\nprobe 0 4\nprobe 0 3\nprobe 7 3\n",
      0, "probe 0 4 color=0,0,0,255\nprobe 0 3 color=4,4,4,255\nprobe 7 3 color=255,0,0,255\n", ""},
 
+    // A dashed line: the pieces 0-10 and 15-25 with their last points, then
+    // the same line solid again (after a set whose round is 1 long, the
+    // shortest the tool takes). The halo material: a thin line is drawn
+    // last in its own colour, a wide one (the host's, one dot a pixel) in
+    // the material's inner colour.
+    {"window 40 8\nmode rgb32_alpha\nclear_color\nset line.line_type_set type 10 -5\n"
+     "draw_dci_polyline 0 2 0 30 2 0\nprobe 10 2\nprobe 12 2\nprobe 15 2\nprobe 25 2\nprobe 26 2\n"
+     "set line.line_type_set type 0.5 -0.5\nset line.line_type_set none\ndraw_dci_polyline 0 3 0 30 3 0\n"
+     "probe 12 3\n"
+     "set colors.material halo 1 0 255 0 255 0 0 255 255\nset colors.color 9 9 9 255\n"
+     "draw_2di_polyline 0 5 0 30 5 0\nprobe 12 5\nset line.weight 3\ndraw_dci_polyline 0 6 0 30 6 0\n"
+     "probe 12 6\n",
+     0,
+     "probe 10 2 color=255,255,255,255\nprobe 12 2 color=0,0,0,255\nprobe 15 2 color=255,255,255,255\n"
+     "probe 25 2 color=255,255,255,255\nprobe 26 2 color=0,0,0,255\nprobe 12 3 color=255,255,255,255\n"
+     "probe 12 5 color=9,9,9,255\nprobe 12 6 color=0,0,255,255\n",
+     ""},
+
     // Reads print what comes back, rows in storage order, top first. An
     // RGB32 read holds its top row below its height: rows 3 down to 2 copy
     // nothing, rows 2 down to 1 copy row 1 alone; rows left alone stay as
@@ -305,6 +323,27 @@ const std::pair<const char*, const char*> kMistakes[] = {
     {"option \"Color Buffer\" null", "option: \"Color Buffer\" is where the renderer shows its colour image"},
     {"set device.hard_clip 0 40 0 23\nclear_color",
      "clear_color: device.hard_clip 0 40 0 23 must be a rectangle inside the window 0 31 0 23"},
+    {"set line.line_type_set per_segment",
+     "set line.line_type_set: expected at least one `type LENGTH...` or `type none`"},
+    {"set line.line_type_set type phase 2",
+     "set line.line_type_set: type 1: expected `none` or at least one LENGTH"},
+    {"set line.line_type_set type 10 -5 phase",
+     "set line.line_type_set: type 1 phase: expected a value after it"},
+    {"set line.line_type_set type 10 -5 dashes 3", "set line.line_type_set: type 1: unknown 'dashes'"},
+    {"set line.line_type_set scale 0.5 type 1 -0.99",
+     "set line.line_type_set: type 1: one round of the pattern is 0.995000 long after scaling"},
+    {"set line.line_type_set type 1 -1 phase 2000001", "set line.line_type_set: type 1: phase is more than"},
+    {"set line.line_type_set first 1 type 1 -1",
+     "set line.line_type_set: first: 1 but there are only 1 types"},
+    {"set line.line_type_set end 3 type 1 -1 type none",
+     "set line.line_type_set: end: first 0 and end 3 need 3 types, there are 2"},
+    {"set line.line_type_set skips 1,1 type 1 -1 type 1 -1",
+     "set line.line_type_set: skips: slot numbers must ascend"},
+    {"set line.line_type_set skips 2 type 1 -1 type 1 -1",
+     "set line.line_type_set: skips: slot 2 is not below end 2"},
+    {"set line.line_type_set other", "set line.line_type_set: unknown 'other'"},
+    {"set line.line_type_set type 1 -1\ndraw_2di_polyline 0 0 0 1000000 1 0",
+     "draw_2di_polyline: the line type set could cut this polyline into more than a million pieces"},
     {"echo \"unclosed", "a quoted string is not closed"},
     {"mode rgb32\nsave depth d.png", "save: the renderer has no depth buffer"},
 };
@@ -506,6 +545,11 @@ TEST_F(Tool, TheExamplesRender) {
        "probe 65 266 color=0,0,255,255 depth=65535\nprobe 65 250 color=0,0,0,255 depth=65535\n"
        "probe 65 74 index=0\nprobe 148 118 color=110,116,130,255 depth=30000\n"
        "probe 238 118 color=230,60,50,255 depth=29000"},
+      // A gap of a dashed line in rgb32_alpha; solid in rgb32, and blended
+      // in z_rgb32_alpha, whose DCI lines with depth off are not cut.
+      {"styled", 512, 400,
+       "probe 307 316 color=40,44,52,255 depth=0\nprobe 51 316 color=230,60,150,255 depth=0\n"
+       "probe 307 116 color=188,56,128,255 depth=65535"},
       // The first pixel of an RGB32 image stands at the ramp's first depth.
       {"textures", 512, 512, "probe 112 335 color=0,255,128,255 depth=2000"},
   };

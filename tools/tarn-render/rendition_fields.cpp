@@ -7,11 +7,14 @@ namespace tarn_render {
 namespace {
 
 using Setter = void (*)(OT_Rendition& rendition, const Arguments& values);
+// For fields whose value points to what the session must keep.
+using Owning_Setter = void (*)(OT_Rendition& rendition, const Arguments& values, Rendition_Storage& storage);
 
 struct Field {
   const char* name;    // SECTION.FIELD
   const char* values;  // what it takes, for the documentation
   Setter set;
+  Owning_Setter set_owned = nullptr;
 };
 
 OT_Int_Rectangle rectangle(const Arguments& v) {
@@ -46,10 +49,6 @@ std::uint32_t one_word(const Arguments& v) {
 
 bool is_none(const Arguments& v) { return v.size() == 1 && !v.token(0).quoted && v.text(0) == "none"; }
 
-// A line type set of the tool's own: anything but None sends lines down the
-// renderer's line type path.
-const OT_Line_Type_Set other_line_type_set{1};
-
 void set_complex_clip(OT_Rendition& r, const Arguments& v) {
   if (is_none(v)) {
     r.writable_device()->complex_clip.reset();
@@ -83,14 +82,14 @@ void set_material(OT_Rendition& r, const Arguments& v) {
   r.set_material(material);
 }
 
-void set_line_type_set(OT_Rendition& r, const Arguments& v) {
-  v.expect_count(1, "`none` or `other`");
-  if (v.text(0) == "none")
+void set_line_type_set(OT_Rendition& r, const Arguments& v, Rendition_Storage& storage) {
+  if (v.size() == 0) v.fail("expected `none` or a line type set: [per_segment] ... type LENGTH...");
+  if (is_none(v)) {
     r.writable_line()->line_type_set = &OT_Line_Type_Set::None;
-  else if (v.text(0) == "other")
-    r.writable_line()->line_type_set = &other_line_type_set;
-  else
-    v.fail("expected `none` or `other`, got '" + v.text(0) + "'");
+    return;
+  }
+  storage.line_type_sets.push_back(parse_line_type_set(v));
+  r.writable_line()->line_type_set = &storage.line_type_sets.back()->set;
 }
 
 // W H, then H rows of (W + 7) / 8 bytes, least significant bit first.
@@ -158,7 +157,10 @@ const Field fields[] = {
     TARN_INT_FIELD(line, weight),
     TARN_BYTE_FIELD(line, halo_flag_a),
     TARN_BYTE_FIELD(line, halo_flag_b),
-    {"line.line_type_set", "none | other", set_line_type_set},
+    {"line.line_type_set",
+     "none | [per_segment] [scale S] [first N] [end N] [skips A,B...] type LENGTH... [length_scale X] "
+     "[start X] [end_length X] [phase X] [end_style N] [type ...]",
+     nullptr, set_line_type_set},
 
     TARN_INT_FIELD(face, pattern),
     {"face.user_pattern", "none | WIDTH HEIGHT BYTE ...", set_user_pattern},
@@ -181,12 +183,16 @@ const Field fields[] = {
 
 }  // namespace
 
-void set_rendition_field(OT_Rendition& rendition, const Arguments& args) {
+void set_rendition_field(OT_Rendition& rendition, const Arguments& args, Rendition_Storage& storage) {
   if (args.size() == 0) args.fail("expected SECTION.FIELD and its values, got nothing");
   const std::string& name = args.text(0);
   for (const Field& field : fields) {
     if (name == field.name) {
-      field.set(rendition, args.from(1, args.label() + " " + name));
+      const Arguments values = args.from(1, args.label() + " " + name);
+      if (field.set_owned)
+        field.set_owned(rendition, values, storage);
+      else
+        field.set(rendition, values);
       return;
     }
   }

@@ -253,7 +253,7 @@ void Session::depth_test(const Arguments& args) {
 
 // ---- Rendition, slots ------------------------------------------------------------
 
-void Session::set(const Arguments& args) { set_rendition_field(rendition_, args); }
+void Session::set(const Arguments& args) { set_rendition_field(rendition_, args, rendition_storage_); }
 
 Slot_Context Session::slot_context() const {
   Slot_Context context;

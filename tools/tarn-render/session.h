@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/ombra.h"
+#include "tools/tarn-render/rendition_fields.h"
 #include "tools/tarn-render/script_reader.h"
 #include "tools/tarn-render/slot_commands.h"
 
@@ -73,6 +74,9 @@ class Session {
   // What the rendition's colors.lighting points to while the scene is lit;
   // it outlives every rendition of the session.
   OT_Lighting lighting_;
+  // What the rendition points to without counting it; made before the
+  // rendition and gone after it.
+  Rendition_Storage rendition_storage_;
   OT_Module module_;
   OT_Renderer_Data* renderer_ = nullptr;
   OT_Rendition rendition_;

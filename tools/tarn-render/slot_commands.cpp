@@ -14,6 +14,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "tools/tarn-render/line_type_sets.h"
+
 namespace tarn_render {
 
 namespace {
@@ -155,6 +157,24 @@ void check_trusted(const Call& call, const std::vector<P>& points) {
   }
 }
 
+// A line type cuts a polyline into pieces, each one call of the action: the
+// tool refuses a polyline that could make more than a million of them.
+template <class P>
+void check_line_type_pieces(const Call& call, const std::vector<P>& points) {
+  const OT_Line_Type_Set* set = call.rendition()->line->line_type_set;
+  if (set == &OT_Line_Type_Set::None || !contains(call.name, "polyline")) return;
+  double length = 0.0;
+  for (std::size_t i = 0; i + 1 < points.size(); ++i)
+    length += std::hypot(double(points[i + 1].x) - double(points[i].x),
+                         double(points[i + 1].y) - double(points[i].y),
+                         double(points[i + 1].z) - double(points[i].z));
+  const double pieces = most_line_type_pieces(*set, length, points.size() - 1);
+  if (!(pieces <= 1e6))
+    call.args.fail(
+        "the line type set could cut this polyline into more than a million pieces, the most the tool "
+        "allows");
+}
+
 template <class P>
 std::vector<P> parse_points(const Call& call, const Arguments& args, std::size_t minimum) {
   if (args.size() % 3 != 0)
@@ -202,6 +222,7 @@ void call_slot(const Call& call, const OT_Action<int, const P*>& slot) {
   prepare(call, slot);
   const Keyword_Split parts(call.args, {});
   const std::vector<P> points = parse_points<P>(call, parts.lead(), minimum_points(call.name));
+  check_line_type_pieces(call, points);
   slot(call.rendition(), int(points.size()), points.data());
 }
 
