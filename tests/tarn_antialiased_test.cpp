@@ -2,6 +2,7 @@
 // worked by hand from the filter table, the limit tests, the joints and
 // ends, the unshifted window origin, the modes and tests that turn it off,
 // and the clipping driver and the mask against the plain drawing.
+#include <map>
 #include <random>
 
 #include "pixel/mask.h"
