@@ -188,6 +188,20 @@ TEST(Antialiased, JointWrittenOnceUnderBlending) {
   }
 }
 
+// The driver's later points on the clip's left or right edge are inside: the
+// joint there is blended once (127), not by two crossing segments (191).
+TEST(Antialiased, LaterPointsOnTheClipEdgeAreInside) {
+  Aa_Harness h(kRgb32Alpha);
+  h.set_color(OT_RGB32::rgba(255, 0, 0, 128), 0);
+  h.set_hard_clip({10, 40, 0, 47});
+  h.line_2di({{20, 20, 0}, {10, 20, 0}, {20, 25, 0}});
+  h.line_2di({{30, 30, 0}, {40, 30, 0}, {30, 35, 0}});
+  h.line_2di({{20, 37, 0}, {25, 47, 0}, {30, 37, 0}});
+  h.line_2di({{20, 10, 0}, {25, 0, 0}, {30, 10, 0}});
+  for (const auto& [x, y] : {std::pair{10, 20}, {40, 30}, {25, 47}, {25, 0}})
+    EXPECT_EQ(h.pixel(x, y), OT_RGB32::rgba(127, 0, 0).word()) << x << "," << y;
+}
+
 // The alpha mode: 255 takes the opaque routine, 254 blends: 255 * 254 * 151
 // >> 16 = 149 half-way, where the opaque routine has 150. The opaque mode's
 // exact cases store the colour whole (alpha 7 kept), its table weights set
@@ -197,7 +211,9 @@ TEST(Antialiased, OpaqueAndBlendingRoutines) {
     Aa_Harness h(kRgb32Alpha);
     h.set_color(OT_RGB32::rgba(255, 0, 0, alpha), 0);
     h.line({{20, 10, 0}, {22, 14, 0}});
+    h.line_2di({{30, 10, 0}, {32, 14, 0}, {32, 90, 0}});
     EXPECT_EQ(h.pixel(20, 11), OT_RGB32::rgba(half, 0, 0).word()) << alpha;
+    EXPECT_EQ(h.pixel(30, 11), OT_RGB32::rgba(half, 0, 0).word()) << alpha;
   }
   Aa_Harness h(kRgb32);
   h.set_color(OT_RGB32::rgba(255, 0, 0, 7), 0);
