@@ -130,6 +130,11 @@ const Worked_Case kWorked[] = {
     // The driver's first point counts x = right as outside; a later one
     // doesn't. (40, 20) to beyond: both right, dropped; x = left is inside.
     {"first_point_on_right_dropped", {10, 40, 5, 40}, {{40, 20, 0}, {45, 22, 0}}, true, {}},
+    {"first_point_on_right_vertical",
+     {10, 40, 5, 40},
+     {{40, 20, 0}, {40, 23, 0}},
+     true,
+     {{20, 39, {46, 255}}, {21, 39, {46, 255}}, {22, 39, {46, 255}}, {23, 39, {46, 255}}}},
     {"first_point_on_left_kept",
      {10, 40, 5, 40},
      {{10, 20, 0}, {5, 22, 0}},
