@@ -2,6 +2,7 @@
 
 #include <type_traits>
 
+#include "lines/antialiased_lines.h"
 #include "lines/clip_loop.h"
 #include "lines/line_forms.h"
 #include "lines/segment_clipper.h"
@@ -14,7 +15,9 @@ namespace {
 // Flat and colorized lines: a colour a segment through the forms of the
 // call, the inside runs and cut segments walked whole with the inside form,
 // crossing segments with the crossing form. Colorized lines cut with the
-// colour sibling, which keeps z in every mode.
+// colour sibling, which keeps z in every mode. The pieces that go to the DCI
+// walker are antialiased where it would antialias them; crossing segments
+// never are.
 template <class Paint, class Inside_Form, class Crossing_Form>
 struct Painted_Segments {
   OT_Renderer_Data* object;
@@ -25,11 +28,17 @@ struct Painted_Segments {
   Paint paint;
   const Inside_Form& inside_form;
   const Crossing_Form& crossing_form;
+  std::optional<Antialiased_Kind> antialiased;
 
   static constexpr bool kColorized = std::is_same_v<Paint, Color_Paint>;
   const Software_Z_Buffer& r() const { return renderer_of(object); }
 
   void inside(int first, int n) const {
+    if constexpr (kColorized) {
+      if (antialiased)
+        return draw_antialiased_polyline(*antialiased, r(), rendition, n, points + first,
+                                         paint.from(first).colors, paint.single, true);
+    }
     if constexpr (kColorized)
       walk_polyline(r(), inside_form, n, points + first, paint.from(first));
     else
@@ -44,6 +53,8 @@ struct Painted_Segments {
   void cut_inside(int i, const OT_DCI_Point* cut) const {
     if constexpr (kColorized) {
       const OT_RGB32 color = paint(i);
+      if (antialiased)
+        return draw_antialiased_polyline(*antialiased, r(), rendition, 2, cut, &color, true, true);
       walk_polyline(r(), inside_form, 2, cut, Color_Paint{&color, true});
     } else {
       walk_polyline(r(), inside_form, 2, cut, paint);
@@ -65,10 +76,12 @@ struct Painted_Segments {
 template <class Paint, class Inside_Form, class Crossing_Form>
 void clip_painted(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                   const OT_DCI_Point* points, bool keep_depth, const Paint& paint,
-                  const Inside_Form& inside_form, const Crossing_Form& crossing_form) {
-  clip_polyline(renderer_of(object), rendition, count, points,
-                Painted_Segments<Paint, Inside_Form, Crossing_Form>{
-                    object, rendition, count, points, keep_depth, paint, inside_form, crossing_form});
+                  const Inside_Form& inside_form, const Crossing_Form& crossing_form,
+                  std::optional<Antialiased_Kind> antialiased) {
+  clip_polyline(
+      renderer_of(object), rendition, count, points,
+      Painted_Segments<Paint, Inside_Form, Crossing_Form>{object, rendition, count, points, keep_depth, paint,
+                                                          inside_form, crossing_form, antialiased});
 }
 
 // The forms of a call in Mode. The mapped depth mode's crossing segments
@@ -85,11 +98,11 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
   auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
     if constexpr (Mode::kIndex)
       clip_painted(object, rendition, count, points, Mode::kDepth,
-                   Index_Paint{static_cast<byte>(rendition->colors->color_index)}, inside_form,
-                   crossing_form);
+                   Index_Paint{static_cast<byte>(rendition->colors->color_index)}, inside_form, crossing_form,
+                   std::nullopt);
     else
       clip_painted(object, rendition, count, points, Mode::kDepth, Color_Paint{&color, true}, inside_form,
-                   crossing_form);
+                   crossing_form, antialiased_runs<Mode>(r, rendition, masked));
   };
   if constexpr (Mode::kIndex && Mode::kDepth) {
     with_line_form<Mode>(r, rendition, false, [&](const auto& crossing_form) {
@@ -107,8 +120,10 @@ void clip_in_mode(OT_Renderer_Data* object, const OT_Rendition& rendition, int c
 // The 2DI line family. The entry tests, in their order: no image or a short
 // list returns; line types are taken apart and the halo drawn in the modes
 // that do so; wide or patterned lines go to the host; depth off takes the
-// mode without depth, its line type test included. A single opaque colour
-// in the blending mode without depth is drawn by the opaque mode, as its DCI
+// action without depth, its line type test included; antialiased lines take
+// their own clipping driver (the opaque mode only without a mask, whose
+// masked list antialiases the inside runs alone). A single opaque colour in
+// the blending mode without depth is drawn by the opaque mode, as its DCI
 // action would draw the inside runs: the weight blend of alpha 255 stores
 // the colour itself.
 template <class Mode>
@@ -119,11 +134,13 @@ void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, i
   if (drawn_as_halo<Mode, clipped_polyline<Mode>>(object, rendition, count, points)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
   if constexpr (Mode::kDepth) {
-    using Flat = typename Mode::Without_Depth;
-    if (depth_off(rendition)) {
-      if (drawn_as_line_type<Flat, clipped_polyline<Flat>>(object, rendition, count, points)) return;
-      return clip_in_mode<Flat>(object, rendition, count, points);
-    }
+    if (depth_off(rendition))
+      return clipped_polyline<typename Mode::Without_Depth>(object, rendition, count, points);
+  }
+  if constexpr (!Mode::kIndex && !Mode::kDepth) {
+    if (antialiased_lines(renderer_of(object), rendition) &&
+        (Mode::kAlpha || !mask_in_force(renderer_of(object), rendition)))
+      return draw_antialiased_2di_polyline(object, rendition, count, points);
   }
   if constexpr (Mode::kAlpha && !Mode::kDepth) {
     if (rendition->colors->color.a > 254)
@@ -168,10 +185,11 @@ void clipped_colorized(OT_Renderer_Data* object, const OT_Rendition& rendition, 
                                                              single_color);
   }
   const Color_Paint paint{colors, single_color};
-  auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
-    clip_painted(object, rendition, count, points, true, paint, inside_form, crossing_form);
-  };
   const bool masked = mask_in_force(r, rendition);
+  auto clip_with = [&](const auto& inside_form, const auto& crossing_form) {
+    clip_painted(object, rendition, count, points, true, paint, inside_form, crossing_form,
+                 antialiased_runs<Mode>(r, rendition, masked));
+  };
   if constexpr (Mode::kDepth) {
     if (masked) {
       with_colorized_form<Mode>(r, rendition, true, [&](const auto& inside_form) {

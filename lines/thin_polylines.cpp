@@ -2,6 +2,7 @@
 
 #include <type_traits>
 
+#include "lines/antialiased_lines.h"
 #include "lines/line_forms.h"
 #include "lines/styled_lines.h"
 #include "pixel/entry_tests.h"
@@ -37,6 +38,11 @@ void dci_lines(OT_Renderer_Data* object, const OT_Rendition& rendition, int coun
                                                      paint.single);
   }
   const Software_Z_Buffer& r = renderer_of(object);
+  if constexpr (!Mode::kIndex && !Mode::kDepth) {
+    if (antialiased_lines(r, rendition))
+      return draw_antialiased_polyline(antialiased_kind<Mode>(mask_in_force(r, rendition)), r, rendition,
+                                       count, points, paint.colors, paint.single, true);
+  }
   auto walk = [&](const auto& form) { walk_polyline(r, form, count, points, paint); };
   if constexpr (Mode::kIndex && !kFlat)
     with_dither_line_form<Mode>(r, Mode::kDepth && mask_in_force(r, rendition), walk);
