@@ -5,11 +5,17 @@
 // the rectangle (inclusive), its ends rounded to nearest, and goes as a list
 // of two points, with z and Gouraud colours interpolated to the cuts.
 //
-// DCI polylines are stepped pixel by pixel into draw_dci_dot. Each segment
+// Wide DCI polylines (weight above 1) are rectangles `weight` pixels across,
+// one a segment, drawn on past both ends by half the weight so that joints
+// close, each a strip of two triangles through the 2DI slot of the same
+// colour kind, in the rendition's face pattern. A line pattern is not drawn.
+//
+// Other DCI polylines are stepped pixel by pixel into draw_dci_dot. Each segment
 // owns its pixels from its first point up to, not including, its last; the
 // polyline's last point is drawn once, after the loop. Along a segment the
 // longer axis steps by one and the other coordinate is rounded to nearest.
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 #include "ombra/standard_support.h"
@@ -102,6 +108,32 @@ void draw_clipped_polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI
   if (run_start >= 0) line.run(r, rd, run_start, count - run_start, points);
 }
 
+// Sends each segment of a wide polyline as a rectangle to quad(segment,
+// corners); false when the line is thin.
+template <class Quad>
+bool draw_wide(const OT_Rendition& rd, int count, const OT_DCI_Point* points, Quad quad) {
+  const std::int32_t weight = rd->line->weight;
+  if (weight <= 1 || count < 1 || !points) return false;
+  const double half = weight / 2.0;
+  for (int s = 0; s == 0 || s + 1 < count; ++s) {
+    const OT_DCI_Point& a = points[s];
+    const OT_DCI_Point& b = points[count > 1 ? s + 1 : s];
+    const double dx = double(b.x) - a.x, dy = double(b.y) - a.y;
+    const double length = std::hypot(dx, dy);
+    // A segment of no length is a square around its point.
+    const double ux = length > 0 ? dx / length : 1.0, uy = length > 0 ? dy / length : 0.0;
+    const double ex = ux * half, ey = uy * half;  // along the segment
+    const double nx = -ey, ny = ex;               // across it
+    auto corner = [](const OT_DCI_Point& p, double x, double y) {
+      return OT_DCI_Point{round_to_int(p.x + x), round_to_int(p.y + y), p.z};
+    };
+    const OT_DCI_Point corners[4] = {corner(a, -ex + nx, -ey + ny), corner(a, -ex - nx, -ey - ny),
+                                     corner(b, ex + nx, ey + ny), corner(b, ex - nx, ey - ny)};
+    quad(s, corners);
+  }
+  return true;
+}
+
 // Steps each segment into dots. color(segment, k, n) gives the colour of
 // pixel k of n of a segment (k == n: its last point), or null.
 template <class Color>
@@ -158,6 +190,9 @@ void OB_Standard_Draw_2DI_Polyline(R* r, const OT_Rendition& rd, int count, cons
   draw_clipped_polyline(r, rd, count, points, Plain_Line{});
 }
 void OB_Standard_Draw_DCI_Polyline(R* r, const OT_Rendition& rd, int count, const OT_DCI_Point* points) {
+  if (draw_wide(rd, count, points,
+                [r, &rd](int, const OT_DCI_Point* corners) { r->draw_2di_polytriangle(rd, 4, corners); }))
+    return;
   step_polyline(r, rd, count, points,
                 [](int, std::int64_t, std::int64_t, OT_RGB32&) -> const OT_RGB32* { return nullptr; });
 }
@@ -186,6 +221,14 @@ void OB_Standard_Draw_2DI_Colorized_Polyline(R* r, const OT_Rendition& rd, int c
 void OB_Standard_Draw_DCI_Colorized_Polyline(R* r, const OT_Rendition& rd, int count,
                                              const OT_DCI_Point* points, const OT_RGB32* colors,
                                              bool single) {
+  const Colorized_Line line{colors, single};
+  if (draw_wide(rd, count, points, [r, &rd, &line](int s, const OT_DCI_Point* corners) {
+        if (line.colors)
+          r->draw_2di_colorized_polytriangle(rd, 4, corners, line.color_of(s), true);
+        else
+          r->draw_2di_polytriangle(rd, 4, corners);
+      }))
+    return;
   step_polyline(r, rd, count, points, [colors, single](int s, std::int64_t, std::int64_t, OT_RGB32&) {
     return colors && !single ? colors + s : colors;
   });
@@ -211,6 +254,14 @@ void OB_Standard_Draw_2DI_Gouraud_Polyline(R* r, const OT_Rendition& rd, int cou
 }
 void OB_Standard_Draw_DCI_Gouraud_Polyline(R* r, const OT_Rendition& rd, int count,
                                            const OT_DCI_Point* points, const OT_RGB32* colors) {
+  if (draw_wide(rd, count, points, [r, &rd, colors, count](int s, const OT_DCI_Point* corners) {
+        if (!colors) return r->draw_2di_polytriangle(rd, 4, corners);
+        const OT_RGB32& a = colors[s];
+        const OT_RGB32& b = colors[count > 1 ? s + 1 : s];
+        const OT_RGB32 quad_colors[4] = {a, a, b, b};
+        r->draw_2di_gouraud_polytriangle(rd, 4, corners, quad_colors);
+      }))
+    return;
   step_polyline(r, rd, count, points,
                 [colors, count](int s, std::int64_t k, std::int64_t n, OT_RGB32& storage) -> const OT_RGB32* {
                   if (!colors) return nullptr;

@@ -131,6 +131,25 @@ TEST(OmbraStandardRoutines, SendWhatTheTableSays) {
   }
 }
 
+// A wide line is a rectangle a segment, `weight` across and half of it on past
+// both ends; a segment of no length is a square. Worked: weight 4 from
+// (0, 0) to (10, 0) is (-2..12) x (-2..2); the diagonal (0, 0)-(3, 4) has
+// unit (0.6, 0.8), so its corners lie (-1.2, -1.6) and (1.2, 1.6) along it
+// and (-1.6, 1.2) across: (-2.8, -0.4), (0.4, -2.8), (2.6, 6.8), (5.8, 4.4).
+TEST(OmbraStandardRoutines, WideLinesAreRectanglesThroughTheStripSlots) {
+  OT_Rendition rd = window();
+  rd.writable_line()->weight = 4;
+  Recorder r;
+  r.play("dci_polyline 0,0,5 10,0,5 10,0,7", rd);
+  r.play("dci_gouraud_polyline 0,0,0 3,4,0 #102030 #405060; dci_colorized_polyline 5,5,1 #102030", rd);
+  EXPECT_EQ(r.calls, (std::vector<std::string>{
+                         "2di_polytriangle -2,2,5 -2,-2,5 12,2,5 12,-2,5",
+                         "2di_polytriangle 8,2,5 8,-2,5 12,2,7 12,-2,7",
+                         "2di_gouraud_polytriangle -3,0,0 0,-3,0 3,7,0 6,4,0 #102030 #102030 #405060 #405060",
+                         "2di_colorized_polytriangle 3,7,1 3,3,1 7,7,1 7,3,1 #102030 single",
+                     }));
+}
+
 TEST(OmbraStandardRoutines, RectangleIsDrawnWithAPrivateCopyInTheWindowColour) {
   Recorder r;
   OT_Rendition rd = window();

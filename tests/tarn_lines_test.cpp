@@ -56,8 +56,16 @@ TEST_P(Lines, WideOrPatternedLinesGoToTheHost) {
     Renderer_Harness h(GetParam());
     static int dots;
     dots = 0;
+    // Patterned lines come back as dots, wide ones as strips.
     h.renderer().draw_dci_dot.function = [](OT_Renderer_Data*, const OT_Rendition&, const OT_DCI_Point*,
                                             const OT_RGB32*) { ++dots; };
+    h.renderer().draw_2di_polytriangle.function = [](OT_Renderer_Data*, const OT_Rendition&, int,
+                                                     const OT_DCI_Point*) { ++dots; };
+    h.renderer().draw_2di_colorized_polytriangle.function = [](OT_Renderer_Data*, const OT_Rendition&, int,
+                                                               const OT_DCI_Point*, const OT_RGB32*,
+                                                               bool) { ++dots; };
+    h.renderer().draw_2di_gouraud_polytriangle.function =
+        [](OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*, const OT_RGB32*) { ++dots; };
     (way ? h.rendition().writable_line()->pattern : h.rendition().writable_line()->weight) = 2 + way;
     h.line({{1, 1, 0}, {20, 5, 0}});
     h.line_2di({{-10, 1, 0}, {20, 5, 0}});
