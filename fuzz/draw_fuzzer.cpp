@@ -131,6 +131,10 @@ void fuzz(FuzzedDataProvider& in) {
     return;
   }
   {
+    // A dashed line type, kept here so that it outlives the rendition.
+    std::vector<double> dash;
+    OT_Line_Type_Definition dash_definition{};
+    OT_Line_Type_Set dash_set;
     OT_Rendition rendition = OT_Rendition::make_default(f.width, f.height, o.palette());
     // A hard clip somewhere in the window.
     const int left = in.ConsumeIntegralInRange(0, f.width - 1),
@@ -174,6 +178,32 @@ void fuzz(FuzzedDataProvider& in) {
     colors->color_index = in.ConsumeIntegral<byte>();
     colors->contrast_color = d.color();
     colors->contrast_index = in.ConsumeIntegral<byte>();
+    // Halo materials and line types are chosen from values already decoded,
+    // so that the seeds keep their meaning.
+    if (colors->contrast_index % 7 == 3) {
+      OT_Material halo(new OT_Material_Data);
+      halo->code = 7;
+      halo->halo_weight = colors->contrast_index % 4;
+      halo->halo_color = colors->contrast_color;
+      halo->halo_inner_color = colors->color;
+      rendition.set_material(halo);
+    }
+    if (colors->color_index % 5 == 1) {
+      const int k = colors->color_index;
+      dash = {double(1 + k % 7), -double(1 + k % 3), 0.0, -2.0};
+      dash_definition = {dash.data(), k % 3 == 0 ? 4 : 2, k % 4 == 0 ? 2 : 0};
+      OT_Line_Type type(new OT_Line_Type_Data);
+      type->definition = &dash_definition;
+      type->start_length = k % 3;
+      type->end_length = k % 2;
+      type->phase = k % 6;
+      dash_set.per_segment = k % 2;
+      dash_set.end_type = 3;
+      dash_set.scale = 1 + k % 3;
+      for (int i = 0; i < 3; ++i)
+        dash_set.line_types.push_back(i == 1 && k % 8 == 1 ? OT_Line_Type::None : type);
+      rendition.writable_line()->line_type_set = &dash_set;
+    }
 #ifdef TARN_FUZZ_TEXTURED
     // A texture of up to 8 x 8 texels, any size, wrap 0, 2 or another value.
     const int texture_width = in.ConsumeIntegralInRange(0, 8),

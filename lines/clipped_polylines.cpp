@@ -130,7 +130,7 @@ template <class Mode>
 void clipped_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                       const OT_DCI_Point* points) {
   if (nothing_to_draw(renderer_of(object), count)) return;
-  if (drawn_as_line_type<Mode, clipped_polyline<Mode>>(object, rendition, count, points)) return;
+  if (drawn_as_line_type<Mode, clipped_polyline<Mode>, true>(object, rendition, count, points)) return;
   if (drawn_as_halo<Mode, clipped_polyline<Mode>>(object, rendition, count, points)) return;
   if (host_line(rendition)) return OB_Standard_Draw_2DI_Polyline(object, rendition, count, points);
   if constexpr (Mode::kDepth) {

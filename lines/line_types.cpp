@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <vector>
+
+#include "pixel/rounding.h"
 
 namespace tarn {
 namespace {
@@ -16,9 +19,10 @@ bool same_point(const OT_DCI_Point& a, const OT_DCI_Point& b) {
   return a.x == b.x && a.y == b.y && a.z == b.z;
 }
 
-// Doubles become points by truncation toward zero.
+// Doubles become points by truncation toward zero (out of range, the
+// processor's indefinite integer).
 OT_DCI_Point to_point(const OT_Point_D& p) {
-  return {static_cast<std::int32_t>(p.x), static_cast<std::int32_t>(p.y), static_cast<std::int32_t>(p.z)};
+  return {truncate_to_int32(p.x), truncate_to_int32(p.y), truncate_to_int32(p.z)};
 }
 
 // The difference b - a of 32-bit coordinates, wrapping as the integers do.
@@ -35,20 +39,34 @@ double length_of(const OT_Vector_D& v) { return std::sqrt(v.x * v.x + v.y * v.y 
 // Pieces joined into polylines: runs lie one behind the other in `points`.
 // A dot is a run of two equal points, which the thin walker draws as one
 // pixel.
+//
+// With a clip rectangle (the pieces go to a clipping action), a piece that
+// would begin a run and lies wholly on the far side of one of the
+// rectangle's edges is left out: the clipping action skips such a piece
+// whatever run it is in, and one that would have joined it begins a run of
+// its own, which draws the same. So a dashed line thousands of times longer
+// than the window keeps only the pieces near it.
 class Piece_List {
  public:
+  explicit Piece_List(const OT_Int_Rectangle* clip) : clip_(clip) {}
+
   void add(const OT_DCI_Point& p, const OT_DCI_Point& q) {
-    if (!points_.empty()) {
+    if (!points_.empty() && !after_dropped_) {
       OT_DCI_Point& last = points_.back();
       if (same_point(last, p)) return join(p, q);
       if (same_point(last, q)) return join(q, p);
     }
+    after_dropped_ = clip_ && beyond_one_edge(*clip_, p, q);
+    if (after_dropped_) return;
     points_.push_back(p);
     points_.push_back(q);
     runs_.push_back(2);
     last_was_dot_ = same_point(p, q);
   }
   void dot(const OT_DCI_Point& p) { add(p, p); }
+  const OT_Int_Rectangle* clip() const { return clip_; }
+  // Pieces were left out here, as add() leaves them out beyond an edge.
+  void mark_dropped() { after_dropped_ = true; }
 
   const std::vector<OT_DCI_Point>& points() const { return points_; }
   const std::vector<std::uint32_t>& runs() const { return runs_; }
@@ -67,9 +85,16 @@ class Piece_List {
     }
   }
 
+  static bool beyond_one_edge(const OT_Int_Rectangle& r, const OT_DCI_Point& p, const OT_DCI_Point& q) {
+    return (p.x < r.left && q.x < r.left) || (p.x > r.right && q.x > r.right) ||
+           (p.y < r.bottom && q.y < r.bottom) || (p.y > r.top && q.y > r.top);
+  }
+
+  const OT_Int_Rectangle* clip_;
   std::vector<OT_DCI_Point> points_;
   std::vector<std::uint32_t> runs_;
   bool last_was_dot_ = false;
+  bool after_dropped_ = false;
 };
 
 // A line type taken from the set, with its lengths scaled by the set's
@@ -177,6 +202,7 @@ class Pattern_Walker {
     const double* lengths = definition_->lengths;
     double remaining = length;
     for (;;) {
+      if (phase_ == 0.0 && pieces_.clip()) skip_rounds_beyond_clip(pattern_length, remaining);
       double round_used = 0.0;
       for (std::size_t i = 0; i < abs_lengths_.size(); ++i) {
         double piece = abs_lengths_[i];
@@ -207,6 +233,34 @@ class Pattern_Walker {
         }
       }
     }
+  }
+
+  // Whole rounds of the pattern that lie beyond one edge of the clip, where
+  // every piece would be left out, are walked in one step when there are
+  // more than kManyRounds of them: a dashed line from far outside the window
+  // costs no more than one that starts near it. (The cursor after such a
+  // step may differ in the last bits of a double from the cursor after as
+  // many single steps; the pieces near the window are placed from it.)
+  static constexpr double kManyRounds = 4096;
+  void skip_rounds_beyond_clip(double pattern_length, double& remaining) {
+    const OT_Int_Rectangle& r = *pieces_.clip();
+    // How far along dir_ the cursor stays two pixels beyond an edge, so that
+    // a truncated end is beyond it too.
+    auto reach = [](double at, double step, double edge, bool below) {
+      if (below ? !(at < edge - 2) : !(at > edge + 2)) return 0.0;
+      if (below ? step <= 0.0 : step >= 0.0) return std::numeric_limits<double>::infinity();
+      return ((below ? edge - 2 : edge + 2) - at) / step;
+    };
+    const double beyond =
+        std::max({reach(cursor_.x, dir_.x, r.left, true), reach(cursor_.x, dir_.x, r.right, false),
+                  reach(cursor_.y, dir_.y, r.bottom, true), reach(cursor_.y, dir_.y, r.top, false)});
+    const double rounds = std::floor(std::min(beyond, remaining - pattern_length) / pattern_length);
+    if (!(rounds > kManyRounds)) return;
+    const double skipped = rounds * pattern_length;
+    advance(skipped);
+    done_ += skipped;
+    remaining -= skipped;
+    pieces_.mark_dropped();
   }
 
   // With dotted ends, the pattern's dots on the ends of the solid parts go,
@@ -264,9 +318,9 @@ void walk_per_segment(const OT_Line_Type_Set& set, int count, const OT_DCI_Point
 }  // namespace
 
 void decompose_polyline(const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
-                        Piece_Callback callback) {
+                        Piece_Callback callback, bool clipping) {
   const OT_Line_Type_Set& set = *rendition->line->line_type_set;
-  Piece_List pieces;
+  Piece_List pieces(clipping ? &rendition->device->hard_clip : nullptr);
   if (set.per_segment != 0 || count < 3)
     walk_per_segment(set, count, points, pieces);
   else

@@ -21,7 +21,9 @@ inline bool has_line_type(const OT_Rendition& rendition) {
 // once per run of joined pieces, in order, with a copy of the rendition whose
 // line_type_set is None. A per-segment set whose slots don't fit the number
 // of segments gives no run.
+// `clipping`: the callback is a clipping action, which draws nothing of a
+// piece wholly beyond one edge of the hard clip; such pieces are left out.
 void decompose_polyline(const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
-                        Piece_Callback callback);
+                        Piece_Callback callback, bool clipping = false);
 
 }  // namespace tarn

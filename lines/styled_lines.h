@@ -17,14 +17,16 @@ inline constexpr bool kDrawsHalo = !Mode::kIndex;
 using Line_Action = void (*)(OT_Renderer_Data*, const OT_Rendition&, int, const OT_DCI_Point*);
 
 // True if the rendition's line type took the call: its pieces went to Action.
-template <class Mode, Line_Action Action>
+// kClipping: Action is a clipping (2DI) action.
+template <class Mode, Line_Action Action, bool kClipping = false>
 bool drawn_as_line_type(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                         const OT_DCI_Point* points) {
   if constexpr (kTakesLineTypes<Mode>) {
     if (has_line_type(rendition)) {
       decompose_polyline(
           rendition, count, points,
-          [object](const OT_Rendition& r, int n, const OT_DCI_Point* p) { Action(object, r, n, p); });
+          [object](const OT_Rendition& r, int n, const OT_DCI_Point* p) { Action(object, r, n, p); },
+          kClipping);
       return true;
     }
   }

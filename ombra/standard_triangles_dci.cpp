@@ -74,9 +74,27 @@ void span_points(const Plane& z, std::int32_t y, std::int32_t xl, std::int32_t x
 
 Plane z_plane(const Triangle& t) { return t.plane(t.p[0]->z, t.p[1]->z, t.p[2]->z); }
 
-void flat_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points, const OT_RGB32* color) {
+// Spans go down as thin solid lines: the line section of a wide, patterned,
+// styled or halo line would send them back up as triangles.
+OT_Rendition span_rendition(const OT_Rendition& rd) {
+  const OT_Rendition_Line& line = *rd->line;
+  const OT_Material& material = rd->colors->material;
+  const bool halo = material && *material->type_code() == 7;
+  if (line.weight <= 1 && line.pattern == 0 && line.line_type_set == &OT_Line_Type_Set::None && !halo)
+    return rd;
+  OT_Rendition thin = rd;
+  OT_Rendition_Line* writable = thin.writable_line();
+  writable->weight = 0;
+  writable->pattern = 0;
+  writable->line_type_set = &OT_Line_Type_Set::None;
+  if (halo) thin.writable_colors()->material = OT_Material();
+  return thin;
+}
+
+void flat_triangle(R* r, const OT_Rendition& caller, const OT_DCI_Point* points, const OT_RGB32* color) {
   const Triangle t(points);
   if (t.det == 0.0) return;
+  const OT_Rendition rd = span_rendition(caller);
   const Plane z = z_plane(t);
   scan(t, [&](std::int32_t y, std::int32_t xl, std::int32_t xr) {
     OT_DCI_Point span[2];
@@ -88,9 +106,10 @@ void flat_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points, con
   });
 }
 
-void shaded_triangle(R* r, const OT_Rendition& rd, const OT_DCI_Point* points, const OT_RGB32* colors) {
+void shaded_triangle(R* r, const OT_Rendition& caller, const OT_DCI_Point* points, const OT_RGB32* colors) {
   const Triangle t(points);
   if (t.det == 0.0) return;
+  const OT_Rendition rd = span_rendition(caller);
   const Plane z = z_plane(t);
   Plane channel[4];
   for (int c = 0; c < 4; ++c) {

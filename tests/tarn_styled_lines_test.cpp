@@ -215,6 +215,20 @@ TEST_P(Styled_Lines, DashedInTheModesThatTakeLineTypesApart) {
     }
 }
 
+// A dashed 2DI line from a billion pixels away draws what the same pattern
+// draws from just outside the window: 1000000005 and 15 are whole rounds of
+// (10, -5), so both put dashes at 0..10, 15..25, ... The far one's rounds
+// beyond the clip's left edge are walked in one step and leave no pieces.
+TEST_P(Styled_Lines, DashesFromFarAwayLandWhereNearOnesDo) {
+  const Test_Set s = Test_Set().add(kDash);
+  Renderer_Harness far(GetParam()), near(GetParam());
+  for (Renderer_Harness* each : {&far, &near}) each->rendition().writable_line()->line_type_set = &s.set;
+  far.line_2di({{-1000000005, 5, 7}, {63, 5, 7}, {63, 60, 7}});
+  near.line_2di({{-15, 5, 7}, {63, 5, 7}, {63, 60, 7}});
+  EXPECT_EQ(far.snapshot(), near.snapshot());
+  EXPECT_GT(near.drawn().size(), 40u);
+}
+
 INSTANTIATE_TEST_SUITE_P(AllModes, Styled_Lines, ::testing::ValuesIn(kAllModes), mode_name);
 
 // ---- The halo ---------------------------------------------------------------

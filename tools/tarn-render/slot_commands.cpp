@@ -50,10 +50,6 @@ std::string rectangle_text(const OT_Int_Rectangle& r) {
          std::to_string(r.top);
 }
 
-[[noreturn]] void not_scriptable(const Call& call) {
-  throw Script_Error("slot " + std::string(call.name) + ": argument kind not scriptable yet");
-}
-
 // What every call needs before it can go through a slot: a window, a function
 // in the slot, and a hard clip that keeps the renderer inside its images.
 template <class... A>
@@ -537,7 +533,7 @@ void call_slot(const Call& call, const OT_Action<>& slot) {
 // Anything else: not yet.
 template <class... A>
 void call_slot(const Call& call, const OT_Action<A...>&) {
-  not_scriptable(call);
+  throw Script_Error("slot " + std::string(call.name) + ": argument kind not scriptable yet");
 }
 
 struct Slot_Entry {
