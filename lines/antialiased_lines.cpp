@@ -370,6 +370,7 @@ void draw_antialiased_polyline(Antialiased_Kind kind, const Software_Z_Buffer& r
                                const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
                                const OT_RGB32* colors, bool single_color, bool draw_end) {
   const Limits lim = limits_of(r, rendition);
+  if (lim.left > lim.right || lim.bottom > lim.top) return;  // the clip lies wholly off the image
   // Points in the image keep every pixel in it: a centre lies between the
   // ends, a neighbour within the limits or on a centre's column.
   const bool in_image = std::all_of(points, points + count, [&lim](const OT_DCI_Point& p) {
@@ -394,6 +395,7 @@ void draw_antialiased_2di_polyline(OT_Renderer_Data* object, const OT_Rendition&
                                 : color.a > 254             ? Antialiased_Kind::Opaque
                                                             : Antialiased_Kind::Blending;
   const Limits lim = limits_of(r, rendition);
+  if (lim.left > lim.right || lim.bottom > lim.top) return;  // the clip lies wholly off the image
   with_cover(kind, r, [&](const auto& make) { clip_antialiased(make, lim, count, points, color); });
 }
 
