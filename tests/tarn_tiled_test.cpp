@@ -258,6 +258,8 @@ INSTANTIATE_TEST_SUITE_P(Modes, Tiled_Mode, ::testing::ValuesIn(kAllModes), mode
 
 struct Recorded {
   Points points;
+  std::vector<OT_RGB32> color_list;
+  bool single;
   OT_Int_Rectangle clip;
   int origin_x, origin_y;
   std::vector<float> w;
@@ -268,8 +270,14 @@ std::vector<Recorded> recorded;
 void record(OT_Renderer_Data* object, const OT_Rendition& rendition, int count, const OT_DCI_Point* points,
             const float* w, bool colors) {
   const Software_Z_Buffer& r = renderer_of(object);
-  recorded.push_back({Points(points, points + count), rendition->device->hard_clip, r.origin_x, r.origin_y,
-                      w ? std::vector<float>(w, w + count) : std::vector<float>{}, colors});
+  recorded.push_back({Points(points, points + count),
+                      {},
+                      false,
+                      rendition->device->hard_clip,
+                      r.origin_x,
+                      r.origin_y,
+                      w ? std::vector<float>(w, w + count) : std::vector<float>{},
+                      colors});
 }
 void record_polyline(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
                      const OT_DCI_Point* points) {
@@ -285,6 +293,18 @@ void record_textured(OT_Renderer_Data* object, const OT_Rendition& rendition, in
   record(object, rendition, count, points, w, false);
 }
 
+void record_colorized_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                            const OT_DCI_Point* points, const OT_RGB32* colors, bool single) {
+  record(object, rendition, count, points, nullptr, true);
+  recorded.back().color_list.assign(colors, colors + 1);
+  recorded.back().single = single;
+}
+void record_gouraud_strip(OT_Renderer_Data* object, const OT_Rendition& rendition, int count,
+                          const OT_DCI_Point* points, const OT_RGB32* colors) {
+  record(object, rendition, count, points, nullptr, true);
+  recorded.back().color_list.assign(colors, colors + count);
+}
+
 class Tiled_Calls : public ::testing::Test {
  protected:
   Tiled_Calls() : h(kZRgb32, 32, 24, {1000, 2000}) {
@@ -292,6 +312,8 @@ class Tiled_Calls : public ::testing::Test {
     h.renderer().draw_2di_polyline.function = record_polyline;
     h.renderer().draw_2di_gouraud_polyline.function = record_gouraud_polyline;
     h.renderer().draw_2di_textured_polytriangle.function = record_textured;
+    h.renderer().draw_2di_colorized_polytriangle.function = record_colorized_strip;
+    h.renderer().draw_2di_gouraud_polytriangle.function = record_gouraud_strip;
     recorded.clear();
   }
   Renderer_Harness h;
@@ -384,6 +406,16 @@ TEST_F(Tiled_Calls, MissingWIsRecoveredFromTheMatrix) {
   EXPECT_NEAR(recorded[0].w[2], 1.0f, 1e-5);
   EXPECT_FALSE(recorded[1].w.empty());
 
+  // The crossing triangle first: the run then takes w from its first point.
+  recorded.clear();
+  const std::vector<OT_Point_D> later = {{3e11, 2e11, 0}, {1002, 2004, 1}, {1010, 2002, 1}, {1004, 2020, 0}};
+  h.renderer().draw_tiled_textured_polytriangle(h.rendition(), 4, later.data(), nullptr, nullptr, 1, nullptr,
+                                                nullptr);
+  ASSERT_EQ(recorded.size(), 2u);
+  ASSERT_EQ(recorded[1].w.size(), 3u);
+  EXPECT_NEAR(recorded[1].w[0], 2.0f, 1e-5);
+  EXPECT_NEAR(recorded[1].w[2], 1.0f, 1e-5);
+
   recorded.clear();
   h.rendition().writable_raster()->texture_flags = 0;
   h.renderer().draw_tiled_textured_polytriangle(h.rendition(), 4, device.data(), nullptr, nullptr, 1, nullptr,
@@ -397,6 +429,31 @@ TEST_F(Tiled_Calls, MissingWIsRecoveredFromTheMatrix) {
                                                 nullptr);
   ASSERT_EQ(recorded.size(), 1u);
   EXPECT_TRUE(recorded[0].w.empty());
+}
+
+// Each list steps one entry a triangle: a crossing triangle takes its own
+// colour alone (single), a run its first triangle's colour, or the caller's
+// one colour with `single`; a Gouraud run the colours of its points.
+TEST_F(Tiled_Calls, ListsStepByTriangle) {
+  const OT_Point_D strip[] = {
+      {1e12, 2001, 0}, {1001, 2002, 0}, {1002, 2010, 0}, {1010, 2003, 0}, {1012, 2012, 0}};
+  const OT_RGB32 colors[] = {{1, 0, 0, 255}, {2, 0, 0, 255}, {3, 0, 0, 255}, {4, 0, 0, 255}, {5, 0, 0, 255}};
+  for (bool single : {false, true}) {
+    recorded.clear();
+    h.renderer().draw_tiled_colorized_polytriangle(h.rendition(), 5, strip, colors, single);
+    ASSERT_EQ(recorded.size(), 2u);
+    EXPECT_EQ(recorded[0].color_list[0].b, 1);
+    EXPECT_TRUE(recorded[0].single);
+    EXPECT_EQ(recorded[1].points.size(), 4u);
+    EXPECT_EQ(recorded[1].points[0].x, 1);
+    EXPECT_EQ(recorded[1].color_list[0].b, single ? 1 : 2);
+    EXPECT_EQ(recorded[1].single, single);
+  }
+  recorded.clear();
+  h.renderer().draw_tiled_gouraud_polytriangle(h.rendition(), 5, strip, colors);
+  ASSERT_EQ(recorded.size(), 2u);
+  ASSERT_EQ(recorded[1].color_list.size(), 4u);
+  for (int k = 0; k < 4; ++k) EXPECT_EQ(recorded[1].color_list[k].b, k + 2);
 }
 
 }  // namespace
