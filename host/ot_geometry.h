@@ -38,7 +38,12 @@ class OMBRA_API OT_Matrix_Data : public OT_Clonable<OT_Matrix_Data> {
   OT_Matrix_Data();  // identity
   // Row-vector convention: out = (p, 1) * m; w through `w_out` when not null.
   void transform(const OT_Point_D& in, OT_Point_D& out, float* w_out, float) const;
+  // Makes `adjoint` hold the adjugate of m (the inverse times the
+  // determinant), which takes device points back to their source up to scale.
+  void validate_adjoint() const;
+
   double m[4][4];
+  mutable OT_Handle<OT_Matrix_Data> adjoint;
 };
 
 class OMBRA_API OT_Matrix : public OT_Handle<OT_Matrix_Data> {

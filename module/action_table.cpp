@@ -7,6 +7,7 @@
 #include "primitives/dots.h"
 #include "primitives/images.h"
 #include "primitives/polygons.h"
+#include "primitives/tiled.h"
 #include "textures/textured_triangles.h"
 #include "triangles/clipped_triangles.h"
 #include "triangles/colorized_triangles.h"
@@ -276,15 +277,15 @@ void install_actions(Software_Z_Buffer& r, bool tiling) {
     r.clear_color.install(&r, mapped_clear_color);
     r.read_color_rectangle.install(&r, mapped_read_color_rectangle);
   }
-  // The tiled actions are the host's until the renderer has its own.
+  // The same in every mode: they hand over to whatever the 2DI slots hold.
   if (tiling) {
-    r.draw_tiled_polytriangle.install(&r, OB_Standard_Draw_Tiled_Polytriangle);
-    r.draw_tiled_colorized_polytriangle.install(&r, OB_Standard_Draw_Tiled_Colorized_Polytriangle);
-    r.draw_tiled_gouraud_polytriangle.install(&r, OB_Standard_Draw_Tiled_Gouraud_Polytriangle);
-    r.draw_tiled_textured_polytriangle.install(&r, OB_Standard_Draw_Tiled_Textured_Polytriangle);
-    r.draw_tiled_polyline.install(&r, OB_Standard_Draw_Tiled_Polyline);
-    r.draw_tiled_colorized_polyline.install(&r, OB_Standard_Draw_Tiled_Colorized_Polyline);
-    r.draw_tiled_gouraud_polyline.install(&r, OB_Standard_Draw_Tiled_Gouraud_Polyline);
+    r.draw_tiled_polytriangle.install(&r, tiled_polytriangle);
+    r.draw_tiled_colorized_polytriangle.install(&r, tiled_colorized_polytriangle);
+    r.draw_tiled_gouraud_polytriangle.install(&r, tiled_gouraud_polytriangle);
+    r.draw_tiled_textured_polytriangle.install(&r, tiled_textured_polytriangle);
+    r.draw_tiled_polyline.install(&r, tiled_polyline);
+    r.draw_tiled_colorized_polyline.install(&r, tiled_colorized_polyline);
+    r.draw_tiled_gouraud_polyline.install(&r, tiled_gouraud_polyline);
   }
 }
 

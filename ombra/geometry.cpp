@@ -50,6 +50,28 @@ OT_Matrix_Data::OT_Matrix_Data() {
     for (int c = 0; c < 4; ++c) m[r][c] = r == c ? 1.0 : 0.0;
 }
 
+// The adjugate by cofactors: adj[c][r] is the signed minor of m[r][c].
+void OT_Matrix_Data::validate_adjoint() const {
+  auto* result = new OT_Matrix_Data;
+  for (int r = 0; r < 4; ++r)
+    for (int c = 0; c < 4; ++c) {
+      double minor[3][3];
+      for (int i = 0, mi = 0; i < 4; ++i) {
+        if (i == r) continue;
+        for (int j = 0, mj = 0; j < 4; ++j) {
+          if (j == c) continue;
+          minor[mi][mj++] = m[i][j];
+        }
+        ++mi;
+      }
+      const double det = minor[0][0] * (minor[1][1] * minor[2][2] - minor[1][2] * minor[2][1]) -
+                         minor[0][1] * (minor[1][0] * minor[2][2] - minor[1][2] * minor[2][0]) +
+                         minor[0][2] * (minor[1][0] * minor[2][1] - minor[1][1] * minor[2][0]);
+      result->m[c][r] = (r + c) % 2 ? -det : det;
+    }
+  adjoint.reset(result);
+}
+
 // Row vectors: (x, y, z, 1) * m gives (x', y', z', w); the result is divided
 // by w unless w is 0, and w goes out through `w_out`.
 void OT_Matrix_Data::transform(const OT_Point_D& in, OT_Point_D& out, float* w_out, float) const {

@@ -53,6 +53,19 @@ inline void round_points_xy(const OT_Point* points, int count, OT_DCI_Point* out
   }
 }
 
+// The tiled forms' conversion: rounded first, then moved by (dx, dy) in
+// 32-bit wrapping arithmetic; z is rounded and not moved.
+inline void round_points_d(const OT_Point_D* points, int count, OT_DCI_Point* out, std::int32_t dx,
+                           std::int32_t dy) {
+  for (int i = 0; i < count; ++i) {
+    out[i].x = static_cast<std::int32_t>(static_cast<std::uint32_t>(round_double(points[i].x)) -
+                                         static_cast<std::uint32_t>(dx));
+    out[i].y = static_cast<std::int32_t>(static_cast<std::uint32_t>(round_double(points[i].y)) -
+                                         static_cast<std::uint32_t>(dy));
+    out[i].z = round_double(points[i].z);
+  }
+}
+
 // Rounded points of a wrapper: in the call's frame up to 64 points, on the
 // heap above that; released on every path.
 class Point_Buffer {

@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 
 #include "module/action_table.h"
+#include "primitives/tiled.h"
 #include "tests/tarn_test_support.h"
 
 namespace tarn::testing {
@@ -247,12 +248,13 @@ TEST(Modes, EstablishInstallsTheModesFunctions) {
   EXPECT_NE(changed->read_depth_rectangle.function, mapped->read_depth_rectangle.function);
   // A mode without depth installs none of the textured actions, and tiling
   // off after on leaves the tiled slots in place.
+  EXPECT_EQ(changed->draw_tiled_polyline.function, &OB_Standard_Draw_Tiled_Polyline);
   changed->requested_options.find(L"Enable Tiling")->set(OT_Option_Value::of_bool(true));
   establish_in(*changed, kRgb32);
-  EXPECT_EQ(changed->draw_tiled_polyline.function, &OB_Standard_Draw_Tiled_Polyline);
+  EXPECT_EQ(changed->draw_tiled_polyline.function, &tiled_polyline);
   changed->requested_options.find(L"Enable Tiling")->set(OT_Option_Value::of_bool(false));
   establish_in(*changed, kRgb32);
-  EXPECT_EQ(changed->draw_tiled_polyline.function, &OB_Standard_Draw_Tiled_Polyline);
+  EXPECT_EQ(changed->draw_tiled_polyline.function, &tiled_polyline);
   EXPECT_EQ(changed->draw_tiled_polyline.object, changed.get());
 }
 
