@@ -2,12 +2,10 @@
 // the client's pitch), the depth ramp that runs on through the rows, the
 // alpha rules of the blends and the two advanced bits, and the masked twins
 // against the plain forms.
-#include <map>
 #include <random>
 #include <string>
 #include <tuple>
 
-#include "host/ob_functions.h"
 #include "pixel/mask.h"
 #include "primitives/images.h"
 #include "tests/tarn_test_support.h"
@@ -51,25 +49,6 @@ void set_advanced(Renderer_Harness& h, OT_Advanced_Options bits) {
 }
 
 class Images : public ::testing::TestWithParam<Mode_Case> {};
-
-// Each colour system installs its own image slot and leaves the other one to
-// the host's routine, which converts.
-TEST_P(Images, SlotsHoldTheModesImageOrTheHosts) {
-  Renderer_Harness h(GetParam());
-  const auto& r = h.renderer();
-  using Index = decltype(r.draw_dci_index8_image.function);
-  using Word = decltype(r.draw_dci_rgb32_image.function);
-  const std::map<std::string, std::pair<Index, Word>> expected = {
-      {"mapped", {mapped_dci_index8_image, OB_Standard_Draw_DCI_RGB32_Image}},
-      {"z_mapped", {z_mapped_dci_index8_image, OB_Standard_Draw_DCI_RGB32_Image}},
-      {"rgb32", {OB_Standard_Draw_DCI_Index8_Image, rgb32_dci_rgb32_image}},
-      {"rgb32_alpha", {OB_Standard_Draw_DCI_Index8_Image, rgb32_alpha_dci_rgb32_image}},
-      {"z_rgb32", {OB_Standard_Draw_DCI_Index8_Image, z_rgb32_dci_rgb32_image}},
-      {"z_rgb32_alpha", {OB_Standard_Draw_DCI_Index8_Image, z_rgb32_alpha_dci_rgb32_image}}};
-  const auto& [index, word] = expected.at(GetParam().name);
-  EXPECT_EQ(r.draw_dci_index8_image.function, index);
-  EXPECT_EQ(r.draw_dci_rgb32_image.function, word);
-}
 
 // A 6 x 3 block at x 14..19 in a window whose right edge is x 17 (origin
 // 2, 3, width 16): columns 14..17 of each row, rows read 4 spare bytes apart.
